@@ -1,0 +1,35 @@
+#include "support/UiServices.h"
+
+#include "support/ConsoleUiServices.h"
+
+namespace ombrelle {
+
+namespace {
+UiServices* g_current = nullptr;
+
+UiServices& ConsoleService() {
+  static ConsoleUiServices console;
+  return console;
+}
+}  // namespace
+
+void UiServices::BeginBusy() {
+  if (++m_busy == 1) ShowBusy(true);
+}
+
+void UiServices::EndBusy() {
+  if (m_busy <= 0) return;  // an unmatched end must not drive the count negative
+  if (--m_busy == 0) ShowBusy(false);
+}
+
+QString UiServices::AppTitle() { return QStringLiteral("Ombrelle Viewer"); }
+
+UiServices& Ui() { return g_current ? *g_current : ConsoleService(); }
+
+UiServices* SetUi(UiServices* service) {
+  UiServices* previous = g_current;
+  g_current = service;
+  return previous;
+}
+
+}  // namespace ombrelle

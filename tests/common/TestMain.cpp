@@ -1,0 +1,54 @@
+// Entry point of every test executable. Before Qt starts, HOME, the XDG
+// folders and the temporary folder point into a fresh temporary directory, so
+// no test can read or write the user's settings or files.
+#include <cstdlib>
+#include <string>
+
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#ifdef OMBRELLE_TEST_WIDGETS
+#include <QApplication>
+using TestApplication = QApplication;
+#else
+#include <QGuiApplication>
+using TestApplication = QGuiApplication;
+#endif
+
+#include <gtest/gtest.h>
+
+#include "common/TestEnvironment.h"
+
+namespace {
+std::string g_root;
+}
+
+namespace ombrelle::test {
+QString SandboxRoot() { return QString::fromStdString(g_root); }
+}  // namespace ombrelle::test
+
+int main(int argc, char** argv) {
+  char pattern[] = "/tmp/ombrelle-test-XXXXXX";
+  const char* root = mkdtemp(pattern);
+  if (!root) return 2;
+  g_root = root;
+  const std::string home = g_root + "/home";
+  const std::string tmp = g_root + "/tmp";
+  for (const std::string& dir : {home, tmp, home + "/.config", home + "/.local", home + "/.cache"})
+    std::system(("mkdir -p '" + dir + "'").c_str());
+  setenv("HOME", home.c_str(), 1);
+  setenv("XDG_CONFIG_HOME", (home + "/.config").c_str(), 1);
+  setenv("XDG_DATA_HOME", (home + "/.local").c_str(), 1);
+  setenv("XDG_CACHE_HOME", (home + "/.cache").c_str(), 1);
+  setenv("TMPDIR", tmp.c_str(), 1);
+  setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  unsetenv("DISPLAY");
+  unsetenv("WAYLAND_DISPLAY");
+
+  TestApplication app(argc, argv);
+  QStandardPaths::setTestModeEnabled(true);
+  ::testing::InitGoogleTest(&argc, argv);
+  const int result = RUN_ALL_TESTS();
+  std::system(("rm -rf '" + g_root + "'").c_str());
+  return result;
+}
