@@ -6,7 +6,9 @@ namespace ombrelle {
 
 namespace {
 
+// Unused id slots of a description hold 0, which no metric has.
 const MetricDescriptionEntry* FindDescription(int id) {
+  if (id == 0) return nullptr;
   for (const MetricDescriptionEntry& entry : MetricDescriptionEntries()) {
     if (std::find(entry.Ids.begin(), entry.Ids.end(), id) != entry.Ids.end()) return &entry;
   }
