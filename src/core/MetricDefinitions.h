@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/MetricCatalog.h"
-#include "core/MetricFormula.h"
+#include "stats/MetricFormula.h"
 
 #include <QString>
 
