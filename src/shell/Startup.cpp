@@ -39,9 +39,10 @@ void WriteLine(const std::function<void(const QString&)>& write, const QString& 
 }
 
 QString NeedsDisplay(const QString& what) {
-  return QStringLiteral("qvzview: %1 needs a display, and neither DISPLAY nor WAYLAND_DISPLAY "
-                        "is set. Without a display, use /SAVEXML to export a database to XML; "
-                        "qvzview /? lists the options.")
+  return QStringLiteral(
+             "qvzview: %1 needs a display, and neither DISPLAY nor WAYLAND_DISPLAY "
+             "is set. Without a display, use /SAVEXML to export a database to XML; "
+             "qvzview /? lists the options.")
       .arg(what);
 }
 
@@ -89,7 +90,8 @@ TabMsgBox UsageBox() {
   box.AddLine(QString());
   box.AddLine(QStringLiteral("qvzview in.qvz /SAVE... out.xml"));
   box.AddTabLine(QStringLiteral("/SAVEXML"), QStringLiteral("Save in.qvz to out.xml"));
-  box.AddTabLine(QStringLiteral("/SAVEXMLDEL"), QStringLiteral("Save in.qvz to out.xml, delete in.qvz"));
+  box.AddTabLine(QStringLiteral("/SAVEXMLDEL"),
+                 QStringLiteral("Save in.qvz to out.xml, delete in.qvz"));
   box.AddTabLine(QStringLiteral("/SAVEXMLDELS"), QStringLiteral("Like /SAVEXMLDEL but silent"));
   box.AddLine(QString());
   box.AddTabLine(QStringLiteral("No parameters:"), QStringLiteral("Open databases on search path"));
@@ -143,9 +145,8 @@ bool SaveDatabaseAsXml(StartupState& state, const XmlExportFunction& exportXml,
 int Main(const QStringList& arguments, const StartupHooks& hooks) {
   StartupState& state = Startup();
   state = StartupState{};
-  state.DisplayCharts =
-      DisplayChartsFromSetting(GetSetting(QStringLiteral("Options"), QStringLiteral("DisplayCharts"),
-                                          QStringLiteral("-1")));
+  state.DisplayCharts = DisplayChartsFromSetting(
+      GetSetting(QStringLiteral("Options"), QStringLiteral("DisplayCharts"), QStringLiteral("-1")));
   state.HelpFile =
       QFileInfo(hooks.programPath).absolutePath() + QStringLiteral("/www/pm-index.html");
 

@@ -13,7 +13,8 @@ struct StartupState;
 
 // Exports database `input` to XML file `output` (which the export may
 // replace); `interactive` allows the overwrite question. True on success.
-using XmlExportFunction = std::function<bool(const QString& input, QString& output, bool interactive)>;
+using XmlExportFunction =
+    std::function<bool(const QString& input, QString& output, bool interactive)>;
 // Shows the header dialog for an existing database, modally.
 using HeaderEditFunction = std::function<void(const QString& file)>;
 
@@ -31,16 +32,16 @@ QString ProgramVersion();
 // What Main needs from the process and from the window library. The program
 // fills it from the real process; tests fill it with fakes.
 struct StartupHooks {
-  QString programPath;   // full path of the program
-  QString currentDir;    // base for relative file names; empty: the process's
+  QString programPath;  // full path of the program
+  QString currentDir;   // base for relative file names; empty: the process's
   bool hasDisplay = false;
 
   std::function<void(const QString&)> writeOut;  // standard output, one line
   std::function<void(const QString&)> writeErr;  // standard error, one line
 
   // The user-interface services of the roads; null keeps the service in force.
-  UiServices* interactiveUi = nullptr;  // main window, usage box, header dialog
-  UiServices* batchUi = nullptr;        // the XML export
+  UiServices* interactiveUi = nullptr;  // main window and usage box
+  UiServices* batchUi = nullptr;        // the "/EDIT" and "/SAVEXML" roads
 
   // The main window: shows it and runs until the last window closes.
   std::function<void()> runMainWindow;

@@ -10,9 +10,7 @@ using namespace ombrelle;
 
 namespace {
 
-std::string Joined(const QStringList& list) {
-  return list.join(QStringLiteral("|")).toStdString();
-}
+std::string Joined(const QStringList& list) { return list.join(QStringLiteral("|")).toStdString(); }
 
 QStringList NumberedWords(int first, int last) {
   QStringList words;
@@ -82,7 +80,7 @@ TEST(GetCommandLineParams, ExactlyHundredParametersHaveNoTail) {
 }
 
 TEST(JoinCommandLine, SplitsBackIntoTheSameArguments) {
-  const QStringList arguments = {"plain",  "with blank", "tab\there", "",       "\"leading",
+  const QStringList arguments = {"plain",    "with blank", "tab\there", "",          "\"leading",
                                  "in\"side", "\"\"",       "end\"",     "a \"b\" c", "/EDIT"};
   const QString line = JoinCommandLine(arguments);
   EXPECT_EQ(line.toStdString(),
@@ -107,33 +105,96 @@ TEST(ParseCommandLine, FillsStartupStateFromParameters) {
       {{}, R::Run, "", "", false, false, false, false, Road::MainWindow},
       {{"a.qvz"}, R::Run, "/base/a.qvz", "", false, false, false, false, Road::MainWindow},
       // A third file name is ignored.
-      {{"a.qvz", "b.xml", "c.txt"}, R::Run, "/base/a.qvz", "/base/b.xml", false, false, false,
-       false, Road::MainWindow},
+      {{"a.qvz", "b.xml", "c.txt"},
+       R::Run,
+       "/base/a.qvz",
+       "/base/b.xml",
+       false,
+       false,
+       false,
+       false,
+       Road::MainWindow},
       // An absolute path is a file name, not a switch.
-      {{"/home/me/a.qvz", "/SAVEXML"}, R::Run, "/home/me/a.qvz", "", false, true, false, false,
+      {{"/home/me/a.qvz", "/SAVEXML"},
+       R::Run,
+       "/home/me/a.qvz",
+       "",
+       false,
+       true,
+       false,
+       false,
        Road::SaveXml},
-      {{"/savexml", "a.qvz", "out/../b.xml"}, R::Run, "/base/a.qvz", "/base/b.xml", false, true,
-       false, false, Road::SaveXml},
-      {{"a.qvz", "/SAVEXMLDEL"}, R::Run, "/base/a.qvz", "", false, true, true, false,
+      {{"/savexml", "a.qvz", "out/../b.xml"},
+       R::Run,
+       "/base/a.qvz",
+       "/base/b.xml",
+       false,
+       true,
+       false,
+       false,
        Road::SaveXml},
-      {{"/SaveXmlDelS", "a.qvz", "b.xml"}, R::Run, "/base/a.qvz", "/base/b.xml", false, true, true,
-       true, Road::SaveXml},
+      {{"a.qvz", "/SAVEXMLDEL"},
+       R::Run,
+       "/base/a.qvz",
+       "",
+       false,
+       true,
+       true,
+       false,
+       Road::SaveXml},
+      {{"/SaveXmlDelS", "a.qvz", "b.xml"},
+       R::Run,
+       "/base/a.qvz",
+       "/base/b.xml",
+       false,
+       true,
+       true,
+       true,
+       Road::SaveXml},
       // "/EDIT" wins over an export switch.
-      {{"/EDIT", "/SAVEXML", "a.qvz"}, R::Run, "/base/a.qvz", "", true, true, false, false,
+      {{"/EDIT", "/SAVEXML", "a.qvz"},
+       R::Run,
+       "/base/a.qvz",
+       "",
+       true,
+       true,
+       false,
+       false,
        Road::EditHeader},
       {{"a.qvz", "/edit"}, R::Run, "/base/a.qvz", "", true, false, false, false, Road::EditHeader},
       // Unknown switches are accepted and do nothing.
-      {{"/FOO", "x.qvz", "/", "/savexmlx"}, R::Run, "/base/x.qvz", "", false, false, false, false,
+      {{"/FOO", "x.qvz", "/", "/savexmlx"},
+       R::Run,
+       "/base/x.qvz",
+       "",
+       false,
+       false,
+       false,
+       false,
        Road::MainWindow},
       // An empty name leaves its slot empty for the next one.
       {{"", "b.qvz"}, R::Run, "/base/b.qvz", "", false, false, false, false, Road::MainWindow},
       {{"../up/x.qvz"}, R::Run, "/up/x.qvz", "", false, false, false, false, Road::MainWindow},
       // Usage stops the parse: what follows has no effect.
-      {{"a.qvz", "/?", "/EDIT", "b.xml"}, R::ShowUsage, "/base/a.qvz", "", false, false, false,
-       false, Road::MainWindow},
+      {{"a.qvz", "/?", "/EDIT", "b.xml"},
+       R::ShowUsage,
+       "/base/a.qvz",
+       "",
+       false,
+       false,
+       false,
+       false,
+       Road::MainWindow},
       {{"-h", "/EDIT"}, R::ShowUsage, "", "", false, false, false, false, Road::MainWindow},
       {{"--help"}, R::ShowUsage, "", "", false, false, false, false, Road::MainWindow},
-      {{"--version", "/SAVEXML"}, R::ShowVersion, "", "", false, false, false, false,
+      {{"--version", "/SAVEXML"},
+       R::ShowVersion,
+       "",
+       "",
+       false,
+       false,
+       false,
+       false,
        Road::MainWindow},
   };
   for (const Case& c : cases) {

@@ -146,7 +146,8 @@ TEST(EditDatabaseFile, ReportsMissingNameOrFileAndOpensExistingOnes) {
       EXPECT_ONLY_UI_MESSAGE(scripted.ui, c.message, kExclamation);
     } else {
       EXPECT_TRUE(edited.isEmpty());
-      EXPECT_ONLY_UI_MESSAGE(scripted.ui, ("File not found: " + c.file).toStdString(), kExclamation);
+      EXPECT_ONLY_UI_MESSAGE(scripted.ui, ("File not found: " + c.file).toStdString(),
+                             kExclamation);
     }
   }
 }
@@ -188,7 +189,7 @@ TEST(Main, SaveXmlRoads) {
   struct Case {
     const char* switchText;
     bool exportSucceeds;
-    const char* call;       // what the exporter was asked, with the sandbox as "$"
+    const char* call;  // what the exporter was asked, with the sandbox as "$"
     bool confirmed;
     bool inputKept;
   };
@@ -210,7 +211,8 @@ TEST(Main, SaveXmlRoads) {
 
     EXPECT_EQ(process.exported, QStringList{QString(c.call).replace("$", process.dir.path())});
     if (c.confirmed) {
-      EXPECT_ONLY_UI_MESSAGE(scripted.ui, ("Metrics saved to " + process.Path("chosen.xml")).toStdString(),
+      EXPECT_ONLY_UI_MESSAGE(scripted.ui,
+                             ("Metrics saved to " + process.Path("chosen.xml")).toStdString(),
                              kInformation);
       EXPECT_EQ(scripted.ui.messages[0].title, "Save metrics as XML");
     } else {
@@ -278,7 +280,7 @@ TEST(Main, DisplayChartsComesFromTheOptionsSetting) {
 
 TEST(DisplayChartsFromSetting, AnyNonZeroLeadingNumberIsTrue) {
   const std::pair<const char*, bool> cases[] = {
-      {"-1", true}, {"1", true},   {"0", false},  {" 0 ", false}, {"0.0", false},
+      {"-1", true},  {"1", true},  {"0", false},   {" 0 ", false}, {"0.0", false},
       {"0.5", true}, {"2x", true}, {"abc", false}, {"", false},    {"-0", false},
   };
   for (const auto& [text, expected] : cases)

@@ -57,9 +57,9 @@ TEST(QtUiServices, ResultIsTheClickedButtonOrTheDecliningOne) {
     int result;
   };
   const Case cases[] = {
-      {36, QMessageBox::Yes, 6},   {36, QMessageBox::No, 7},        {36, QMessageBox::NoButton, 7},
-      {0, QMessageBox::Ok, 1},     {48, QMessageBox::NoButton, 1},  {3, QMessageBox::NoButton, 2},
-      {2, QMessageBox::Retry, 4},  {2, QMessageBox::Ignore, 5},     {1, QMessageBox::Cancel, 2},
+      {36, QMessageBox::Yes, 6},  {36, QMessageBox::No, 7},       {36, QMessageBox::NoButton, 7},
+      {0, QMessageBox::Ok, 1},    {48, QMessageBox::NoButton, 1}, {3, QMessageBox::NoButton, 2},
+      {2, QMessageBox::Retry, 4}, {2, QMessageBox::Ignore, 5},    {1, QMessageBox::Cancel, 2},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.style);
@@ -166,9 +166,9 @@ TEST(EchoingUiServices, ForwardsAndWritesEachMessage) {
   echo.BeginBusy();
   echo.EndBusy();
 
-  EXPECT_EQ(lines, (QStringList{"Save metrics as XML: Replace it?",
-                                "Ombrelle Viewer: Missing file name parameter: \n/EDIT",
-                                "Usage: a  b"}));
+  EXPECT_EQ(lines,
+            (QStringList{"Save metrics as XML: Replace it?",
+                         "Ombrelle Viewer: Missing file name parameter: \n/EDIT", "Usage: a  b"}));
   EXPECT_EQ(inner.MessageTexts(),
             (QStringList{"Replace it?", "Missing file name parameter: \r\n/EDIT"}));
   ASSERT_EQ(inner.textBoxes.size(), 1u);

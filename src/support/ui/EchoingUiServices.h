@@ -18,7 +18,8 @@ class EchoingUiServices : public UiServices {
 
   int MsgBox(const QString& text, int style, const QString& title) override;
   void TextBox(const QString& title, const QString& text) override;
-  QString InputBox(const QString& prompt, const QString& title, const QString& defaultText) override;
+  QString InputBox(const QString& prompt, const QString& title,
+                   const QString& defaultText) override;
   QString SaveFileDialog(const FileDialogRequest& request) override;
   QString OpenFileDialog(const FileDialogRequest& request) override;
   QString BrowseFolder(const QString& title, const QString& folder) override;

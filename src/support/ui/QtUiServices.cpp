@@ -32,30 +32,41 @@ QString CaptionOr(const QString& title) { return title.isEmpty() ? UiServices::A
 
 QMessageBox::StandardButtons ButtonsFor(int style) {
   switch (style & 0x0F) {
-    case 1: return QMessageBox::Ok | QMessageBox::Cancel;
-    case 2: return QMessageBox::Abort | QMessageBox::Retry | QMessageBox::Ignore;
-    case 3: return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
-    case 4: return QMessageBox::Yes | QMessageBox::No;
-    case 5: return QMessageBox::Retry | QMessageBox::Cancel;
-    default: return QMessageBox::Ok;
+    case 1:
+      return QMessageBox::Ok | QMessageBox::Cancel;
+    case 2:
+      return QMessageBox::Abort | QMessageBox::Retry | QMessageBox::Ignore;
+    case 3:
+      return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    case 4:
+      return QMessageBox::Yes | QMessageBox::No;
+    case 5:
+      return QMessageBox::Retry | QMessageBox::Cancel;
+    default:
+      return QMessageBox::Ok;
   }
 }
 
 QMessageBox::Icon IconFor(int style) {
   switch (style & 0x70) {
-    case 16: return QMessageBox::Critical;
-    case MsgStyle::Question: return QMessageBox::Question;
-    case MsgStyle::Exclamation: return QMessageBox::Warning;
-    case MsgStyle::Information: return QMessageBox::Information;
-    default: return QMessageBox::NoIcon;
+    case 16:
+      return QMessageBox::Critical;
+    case MsgStyle::Question:
+      return QMessageBox::Question;
+    case MsgStyle::Exclamation:
+      return QMessageBox::Warning;
+    case MsgStyle::Information:
+      return QMessageBox::Information;
+    default:
+      return QMessageBox::NoIcon;
   }
 }
 
 // The buttons of a set in the order they are numbered for the default button.
 QList<QMessageBox::StandardButton> OrderedButtons(QMessageBox::StandardButtons buttons) {
   static const QMessageBox::StandardButton order[] = {
-      QMessageBox::Ok, QMessageBox::Abort, QMessageBox::Retry, QMessageBox::Ignore,
-      QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel};
+      QMessageBox::Ok,  QMessageBox::Abort, QMessageBox::Retry, QMessageBox::Ignore,
+      QMessageBox::Yes, QMessageBox::No,    QMessageBox::Cancel};
   QList<QMessageBox::StandardButton> result;
   for (QMessageBox::StandardButton button : order)
     if (buttons.testFlag(button)) result.append(button);
@@ -64,22 +75,29 @@ QList<QMessageBox::StandardButton> OrderedButtons(QMessageBox::StandardButtons b
 
 int ResultOfButton(QMessageBox::StandardButton button) {
   switch (button) {
-    case QMessageBox::Ok: return MsgResult::Ok;
-    case QMessageBox::Cancel: return MsgResult::Cancel;
-    case QMessageBox::Abort: return kAbort;
-    case QMessageBox::Retry: return kRetry;
-    case QMessageBox::Ignore: return kIgnore;
-    case QMessageBox::Yes: return MsgResult::Yes;
-    case QMessageBox::No: return MsgResult::No;
-    default: return 0;
+    case QMessageBox::Ok:
+      return MsgResult::Ok;
+    case QMessageBox::Cancel:
+      return MsgResult::Cancel;
+    case QMessageBox::Abort:
+      return kAbort;
+    case QMessageBox::Retry:
+      return kRetry;
+    case QMessageBox::Ignore:
+      return kIgnore;
+    case QMessageBox::Yes:
+      return MsgResult::Yes;
+    case QMessageBox::No:
+      return MsgResult::No;
+    default:
+      return 0;
   }
 }
 
 }  // namespace
 
 std::unique_ptr<QMessageBox> QtUiServices::CreateMessageBox(const QString& text, int style,
-                                                            const QString& title,
-                                                            QWidget* parent) {
+                                                            const QString& title, QWidget* parent) {
   const QMessageBox::StandardButtons buttons = ButtonsFor(style);
   auto box = std::make_unique<QMessageBox>(IconFor(style), CaptionOr(title), text, buttons, parent);
   box->setTextFormat(Qt::PlainText);
@@ -206,7 +224,8 @@ QMimeData* QtUiServices::CreatePictureData(const QImage& image, const QByteArray
 }
 
 void QtUiServices::SetClipboardPicture(const QImage& image, const QByteArray& emf) {
-  QGuiApplication::clipboard()->setMimeData(CreatePictureData(image, emf));  // the clipboard owns it
+  QGuiApplication::clipboard()->setMimeData(
+      CreatePictureData(image, emf));  // the clipboard owns it
 }
 
 void QtUiServices::ShowBusy(bool busy) {
