@@ -48,6 +48,9 @@ function(ombrelle_add_test name)
   add_executable(${target} ${sources})
   target_link_libraries(${target} PRIVATE ombrelle_testmain ${ARG_LIBS} GTest::gtest GTest::gmock)
   if(ARG_WIDGETS)
+    # The shared main is compiled again with OMBRELLE_TEST_WIDGETS so that it
+    # starts a QApplication; its object then takes the place of the library's.
+    target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests/common/TestMain.cpp)
     target_compile_definitions(${target} PRIVATE OMBRELLE_TEST_WIDGETS)
     target_link_libraries(${target} PRIVATE ombrelle_ui Qt6::Widgets)
   endif()

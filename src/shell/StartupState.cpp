@@ -1,0 +1,10 @@
+#include "shell/StartupState.h"
+
+namespace ombrelle {
+
+StartupState& Startup() {
+  static StartupState state;
+  return state;
+}
+
+}  // namespace ombrelle
