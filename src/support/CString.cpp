@@ -32,6 +32,8 @@ void CString::SetBufferSize(qsizetype n) {
   if (n > m_text.capacity()) m_text.reserve(n);
 }
 
-bool CString::WriteToFileUnicode(const QString& path) const { return SaveUnicodeFile(path, m_text); }
+bool CString::WriteToFileUnicode(const QString& path) const {
+  return SaveUnicodeFile(path, m_text);
+}
 
 }  // namespace ombrelle

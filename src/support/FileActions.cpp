@@ -41,12 +41,14 @@ bool FolderExists(const QString& path) {
 }
 
 bool FolderIsEmpty(const QString& path) {
-  return QDir(path).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)
+  return QDir(path)
+      .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)
       .isEmpty();
 }
 
 bool FolderHasSubfolders(const QString& path) {
-  return !QDir(path).entryList(QDir::Dirs | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)
+  return !QDir(path)
+              .entryList(QDir::Dirs | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)
               .isEmpty();
 }
 
@@ -75,7 +77,8 @@ bool RecycleFile(const QString& path, bool undo, bool /*silent*/) {
   const bool done = undo ? file.moveToTrash() : file.remove();
   if (!done) {
     const int number = errno != 0 ? errno : EIO;
-    ShowRecycleError(number, file.errorString().isEmpty() ? SystemText(number) : file.errorString());
+    ShowRecycleError(number,
+                     file.errorString().isEmpty() ? SystemText(number) : file.errorString());
     return false;
   }
   return true;
@@ -84,7 +87,8 @@ bool RecycleFile(const QString& path, bool undo, bool /*silent*/) {
 bool CreateFolderPath(const QString& path) {
   const QString title;
   if (!IsAbsolutePath(path)) {
-    Ui().MsgBox(QStringLiteral("Cannot create directory:") + kCrLf + path, MsgStyle::Exclamation, title);
+    Ui().MsgBox(QStringLiteral("Cannot create directory:") + kCrLf + path, MsgStyle::Exclamation,
+                title);
     return false;
   }
   const QString target = ResolvePath(QStringLiteral("/"), path);

@@ -17,8 +17,8 @@ namespace {
 const QString kCrLf = QStringLiteral("\r\n");
 
 void ShowWriteError(const QString& path, int number, const QString& text) {
-  Ui().MsgBox(QStringLiteral("Error #") + QString::number(number) + QStringLiteral(" saving to ") + path +
-                  QLatin1Char(':') + kCrLf + text,
+  Ui().MsgBox(QStringLiteral("Error #") + QString::number(number) + QStringLiteral(" saving to ") +
+                  path + QLatin1Char(':') + kCrLf + text,
               MsgStyle::Exclamation, QString());
 }
 
@@ -33,8 +33,9 @@ void ShowFileError(const QString& path, int savedErrno, const QSaveFile& file) {
 
 bool WriteWholeFile(const QString& path, const QByteArray& bytes) {
   if (!IsAbsolutePath(path)) {
-    Ui().MsgBox(QStringLiteral("Error saving to ") + path + kCrLf + QStringLiteral("Path not absolute."),
-                MsgStyle::Exclamation, QString());
+    Ui().MsgBox(
+        QStringLiteral("Error saving to ") + path + kCrLf + QStringLiteral("Path not absolute."),
+        MsgStyle::Exclamation, QString());
     return false;
   }
   const QFileInfo existing(path);
@@ -77,7 +78,9 @@ bool SaveUnicodeFile(const QString& path, const QString& text) {
   return WriteWholeFile(path, bytes);
 }
 
-bool SaveBinaryFile(const QString& path, const QByteArray& bytes) { return WriteWholeFile(path, bytes); }
+bool SaveBinaryFile(const QString& path, const QByteArray& bytes) {
+  return WriteWholeFile(path, bytes);
+}
 
 QString SaveFileDialog(const QString& extension, const QString& filter, const QString& folder,
                        const QString& fileName, const QString& title) {
@@ -97,15 +100,32 @@ QString SaveFileDialog(const QString& extension, const QString& filter, const QS
 QString GetSpecialFolder(int code) {
   QStandardPaths::StandardLocation location;
   switch (code) {
-    case SpecialFolder::Desktop: location = QStandardPaths::DesktopLocation; break;
-    case SpecialFolder::Documents: location = QStandardPaths::DocumentsLocation; break;
-    case SpecialFolder::Music: location = QStandardPaths::MusicLocation; break;
-    case SpecialFolder::Videos: location = QStandardPaths::MoviesLocation; break;
-    case SpecialFolder::AppData: location = QStandardPaths::GenericConfigLocation; break;
-    case SpecialFolder::LocalAppData: location = QStandardPaths::GenericDataLocation; break;
-    case SpecialFolder::Pictures: location = QStandardPaths::PicturesLocation; break;
-    case SpecialFolder::Profile: location = QStandardPaths::HomeLocation; break;
-    default: return QString();
+    case SpecialFolder::Desktop:
+      location = QStandardPaths::DesktopLocation;
+      break;
+    case SpecialFolder::Documents:
+      location = QStandardPaths::DocumentsLocation;
+      break;
+    case SpecialFolder::Music:
+      location = QStandardPaths::MusicLocation;
+      break;
+    case SpecialFolder::Videos:
+      location = QStandardPaths::MoviesLocation;
+      break;
+    case SpecialFolder::AppData:
+      location = QStandardPaths::GenericConfigLocation;
+      break;
+    case SpecialFolder::LocalAppData:
+      location = QStandardPaths::GenericDataLocation;
+      break;
+    case SpecialFolder::Pictures:
+      location = QStandardPaths::PicturesLocation;
+      break;
+    case SpecialFolder::Profile:
+      location = QStandardPaths::HomeLocation;
+      break;
+    default:
+      return QString();
   }
   return QStandardPaths::writableLocation(location);
 }

@@ -42,7 +42,8 @@ bool IsDeviceName(const QString& upper) {
                                       QStringLiteral("AUX"), QStringLiteral("NUL"),
                                       QStringLiteral("CLOCK$")};
   if (devices.contains(upper)) return true;
-  if (upper.size() == 4 && (upper.startsWith(QLatin1String("COM")) || upper.startsWith(QLatin1String("LPT"))))
+  if (upper.size() == 4 &&
+      (upper.startsWith(QLatin1String("COM")) || upper.startsWith(QLatin1String("LPT"))))
     return upper[3] >= QLatin1Char('1') && upper[3] <= QLatin1Char('9');
   return false;
 }
@@ -69,7 +70,9 @@ QString JoinPath(const QString& folder, const QString& name) {
   return FoldPath(joined);
 }
 
-QString FileFolder(const QString& path) { return path.left(std::max<qsizetype>(0, NameStart(path) - 1)); }
+QString FileFolder(const QString& path) {
+  return path.left(std::max<qsizetype>(0, NameStart(path) - 1));
+}
 
 QString FileNameOnly(const QString& path) { return path.mid(NameStart(path)); }
 
@@ -115,17 +118,34 @@ QString MakeValidFilename(const QString& name) {
     const ushort u = c.unicode();
     if (u < 32 || u == 127) continue;
     switch (u) {
-      case ' ': result += QLatin1Char('_'); break;
-      case '<': result += QLatin1Char('{'); break;
-      case '>': result += QLatin1Char('}'); break;
-      case ':': result += QLatin1Char('='); break;
-      case '"': result += QLatin1Char('\''); break;
+      case ' ':
+        result += QLatin1Char('_');
+        break;
+      case '<':
+        result += QLatin1Char('{');
+        break;
+      case '>':
+        result += QLatin1Char('}');
+        break;
+      case ':':
+        result += QLatin1Char('=');
+        break;
+      case '"':
+        result += QLatin1Char('\'');
+        break;
       case '/':
-      case '\\': result += QLatin1Char('-'); break;
-      case '|': result += QLatin1Char('!'); break;
+      case '\\':
+        result += QLatin1Char('-');
+        break;
+      case '|':
+        result += QLatin1Char('!');
+        break;
       case '*':
-      case '?': result += QLatin1Char('+'); break;
-      default: result += c;
+      case '?':
+        result += QLatin1Char('+');
+        break;
+      default:
+        result += c;
     }
   }
   // 4. A device name before the first "." gets a "#" behind it.

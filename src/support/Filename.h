@@ -67,8 +67,8 @@ QString NumberToLetters(long long n);
 
 // How MakeUniqueFilename treats the bare `base`.
 namespace UniqueName {
-constexpr int TryBaseFirst = 0;   // `base` itself, then `base` "x" "a", "xb", ...
-constexpr int AlwaysNumber = 1;   // the letters are always added
+constexpr int TryBaseFirst = 0;  // `base` itself, then `base` "x" "a", "xb", ...
+constexpr int AlwaysNumber = 1;  // the letters are always added
 }  // namespace UniqueName
 
 // The full path of the first name in `folder` that no file or folder has:

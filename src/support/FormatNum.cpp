@@ -22,8 +22,9 @@ QString NonFinite(double value) {
 // zeros) and the exponent of the first digit: value = 0.d1d2d3... x 10^point.
 void ShortestDigits(double value, std::string& digits, int& point) {
   char buffer[64];
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, std::fabs(value),
-                                 std::chars_format::scientific).ptr;
+  const auto end =
+      std::to_chars(buffer, buffer + sizeof buffer, std::fabs(value), std::chars_format::scientific)
+          .ptr;
   const std::string text(buffer, end);
   const auto e = text.find('e');
   digits.clear();
@@ -96,7 +97,9 @@ QString ShortWholeNumber(double value) {
 // Decimals of code 10 for a value of magnitude m below 0.
 int SizeDecimals(int magnitude) { return 2 * (-magnitude / 2) + 2; }
 
-QDate DateOf(double date) { return QDate(1899, 12, 30).addDays(static_cast<qint64>(std::trunc(date))); }
+QDate DateOf(double date) {
+  return QDate(1899, 12, 30).addDays(static_cast<qint64>(std::trunc(date)));
+}
 
 // Dates further out than the calendar of this program goes read as numbers.
 bool DateInRange(double date) { return std::isfinite(date) && std::fabs(date) < 3e6; }
@@ -112,7 +115,8 @@ QString GeneralNumber(double value) {
   if (!std::isfinite(value)) return NonFinite(value);
   if (value == 0) return QStringLiteral("0");
   char buffer[64];
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, 14).ptr;
+  const auto end =
+      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, 14).ptr;
   std::string text(buffer, end);
   const auto e = text.find('e');
   const int exponent = std::atoi(text.c_str() + e + 1);
@@ -138,7 +142,9 @@ QString GeneralNumber(double value) {
   return QString::fromStdString(mantissa + (exponent < 0 ? "E-" : "E+") + exponentText);
 }
 
-QString FormatFixed(double value, int decimals) { return RoundDecimal(value, decimals > 0 ? decimals : 0); }
+QString FormatFixed(double value, int decimals) {
+  return RoundDecimal(value, decimals > 0 ? decimals : 0);
+}
 
 QString FormatPercent(double value) {
   if (!std::isfinite(value)) return NonFinite(value);
@@ -151,8 +157,10 @@ int OrderOfMagnitude(double value) {
   if (a == 0 || !std::isfinite(a)) return 0;
   int m = static_cast<int>(std::floor(std::log10(a)));
   // log10 may land a hair off at exact powers of ten.
-  if (std::pow(10.0, m + 1) <= a) ++m;
-  else if (std::pow(10.0, m) > a) --m;
+  if (std::pow(10.0, m + 1) <= a)
+    ++m;
+  else if (std::pow(10.0, m) > a)
+    --m;
   return m;
 }
 
@@ -165,7 +173,8 @@ QString FormatDateShort(double date) {
     const QLocale locale;
     if (locale.language() != QLocale::C) pattern = locale.dateFormat(QLocale::ShortFormat).left(81);
     if (pattern.isEmpty()) pattern = QStringLiteral("yyyy-MM-dd");
-    if (!pattern.contains(QLatin1String("yyyy"))) pattern.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+    if (!pattern.contains(QLatin1String("yyyy")))
+      pattern.replace(QLatin1String("yy"), QLatin1String("yyyy"));
   }
   return QLocale().toString(DateOf(date), pattern);
 }
@@ -211,7 +220,8 @@ QString FormatMetricPlain(int format, double value) {
     case 3:
     case 4:
     case 5:
-      if (value != 0 && std::fabs(value) < 0.02) return FormatMetricPlain(10, 100 * value) + QLatin1Char('%');
+      if (value != 0 && std::fabs(value) < 0.02)
+        return FormatMetricPlain(10, 100 * value) + QLatin1Char('%');
       return RoundDecimal(100 * value, 0) + QLatin1Char('%');
     case 6:
     case 8:
@@ -233,7 +243,8 @@ QString FormatMetricPlain(int format, double value) {
 }
 
 QString VersionText(bool full) {
-  QString text = QString::number(OMBRELLE_VERSION_MAJOR) + QLatin1Char('.') + QString::number(OMBRELLE_VERSION_MINOR);
+  QString text = QString::number(OMBRELLE_VERSION_MAJOR) + QLatin1Char('.') +
+                 QString::number(OMBRELLE_VERSION_MINOR);
   if (full) text += QLatin1Char('.') + QString::number(OMBRELLE_VERSION_PATCH);
   return text;
 }

@@ -30,23 +30,25 @@ bool ParseSectionLine(const QString& line, QString& name) {
 // "=" or without a key are not entries.
 bool ParseEntryLine(const QString& line, QString& key, QString& value) {
   const QString text = line.trimmed();
-  if (text.isEmpty() || text.startsWith(QLatin1Char(';')) || text.startsWith(QLatin1Char('['))) return false;
+  if (text.isEmpty() || text.startsWith(QLatin1Char(';')) || text.startsWith(QLatin1Char('[')))
+    return false;
   const qsizetype equals = text.indexOf(QLatin1Char('='));
   if (equals <= 0) return false;
   key = text.left(equals).trimmed();
   if (key.isEmpty()) return false;
   value = text.mid(equals + 1).trimmed();
-  if (value.size() >= 2 && (value.front() == QLatin1Char('"') || value.front() == QLatin1Char('\'')) &&
+  if (value.size() >= 2 &&
+      (value.front() == QLatin1Char('"') || value.front() == QLatin1Char('\'')) &&
       value.back() == value.front())
     value = value.mid(1, value.size() - 2);
   return true;
 }
 
 // Windows-1252 as read here: the 0x80-0x9F row differs from Latin-1.
-constexpr char16_t kAnsiHigh[32] = {
-    0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD, 0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
+constexpr char16_t kAnsiHigh[32] = {0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD,
+                                    0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
 
 QString AnsiToText(const QByteArray& bytes) {
   QString text;
@@ -87,7 +89,8 @@ int LeadingInteger(const QString& value) {
   const QString text = value.trimmed();
   qsizetype i = 0;
   bool negative = false;
-  if (i < text.size() && (text[i] == QLatin1Char('-') || text[i] == QLatin1Char('+'))) negative = text[i++] == QLatin1Char('-');
+  if (i < text.size() && (text[i] == QLatin1Char('-') || text[i] == QLatin1Char('+')))
+    negative = text[i++] == QLatin1Char('-');
   long long number = 0;
   for (; i < text.size() && text[i].isDigit() && text[i].unicode() < 128; ++i) {
     number = number * 10 + (text[i].unicode() - '0');
@@ -110,7 +113,8 @@ bool IniFile::Load(const QString& path) {
   Encoding encoding = Encoding::Ansi;
   if (bytes.startsWith("\xFF\xFE")) {
     encoding = Encoding::Utf16;
-    text = QString::fromUtf16(reinterpret_cast<const char16_t*>(bytes.constData() + 2), (bytes.size() - 2) / 2);
+    text = QString::fromUtf16(reinterpret_cast<const char16_t*>(bytes.constData() + 2),
+                              (bytes.size() - 2) / 2);
   } else if (bytes.startsWith("\xEF\xBB\xBF")) {
     encoding = Encoding::Utf8Bom;
     text = QString::fromUtf8(bytes.mid(3));
@@ -120,7 +124,8 @@ bool IniFile::Load(const QString& path) {
     if (utf8.hasError()) {
       text = AnsiToText(bytes);
     } else {
-      const bool ascii = std::all_of(bytes.begin(), bytes.end(), [](char b) { return (b & 0x80) == 0; });
+      const bool ascii =
+          std::all_of(bytes.begin(), bytes.end(), [](char b) { return (b & 0x80) == 0; });
       if (!ascii) encoding = Encoding::Utf8;
     }
   }
@@ -154,13 +159,19 @@ bool IniFile::Save(const QString& path) const {
       encoding = Encoding::Utf8Bom;  // keep every character rather than lose some
   }
   switch (encoding) {
-    case Encoding::Ansi: break;
-    case Encoding::Utf8: bytes = text.toUtf8(); break;
-    case Encoding::Utf8Bom: bytes = "\xEF\xBB\xBF" + text.toUtf8(); break;
+    case Encoding::Ansi:
+      break;
+    case Encoding::Utf8:
+      bytes = text.toUtf8();
+      break;
+    case Encoding::Utf8Bom:
+      bytes = "\xEF\xBB\xBF" + text.toUtf8();
+      break;
     case Encoding::Utf16:
       bytes = "\xFF\xFE";
       for (const QChar c : text)
-        bytes.append(static_cast<char>(c.unicode() & 0xFF)).append(static_cast<char>(c.unicode() >> 8));
+        bytes.append(static_cast<char>(c.unicode() & 0xFF))
+            .append(static_cast<char>(c.unicode() >> 8));
       break;
   }
   QSaveFile file(path);
@@ -211,7 +222,8 @@ QStringList IniFile::SectionNames() const {
   QString name;
   for (const QString& line : m_lines) {
     if (!ParseSectionLine(line, name)) continue;
-    const bool seen = std::any_of(names.begin(), names.end(), [&](const QString& n) { return SameName(n, name); });
+    const bool seen = std::any_of(names.begin(), names.end(),
+                                  [&](const QString& n) { return SameName(n, name); });
     if (!seen) names << name;
   }
   return names;
@@ -245,7 +257,8 @@ QString ReadIniValue(const QString& file, const QString& section, const QString&
   return ini.Value(section, key).value_or(defaultValue);
 }
 
-int ReadIniValue(const QString& file, const QString& section, const QString& key, int defaultValue) {
+int ReadIniValue(const QString& file, const QString& section, const QString& key,
+                 int defaultValue) {
   IniFile ini;
   ini.Load(ResolveIniPath(file));
   const auto value = ini.Value(section, key);
@@ -262,15 +275,18 @@ int ReadIniValue(const QString& file, const QString& section, const QString& key
   return defaultValue;
 }
 
-bool WriteIniValue(const QString& file, const QString& section, const QString& key, const QString& value) {
+bool WriteIniValue(const QString& file, const QString& section, const QString& key,
+                   const QString& value) {
   const QString path = ResolveIniPath(file);
   IniFile ini;
-  if (!ini.Load(path) && QFileInfo::exists(path)) return false;  // never replace a file we could not read
+  if (!ini.Load(path) && QFileInfo::exists(path))
+    return false;  // never replace a file we could not read
   ini.SetValue(section, key, value);
   return ini.Save(path);
 }
 
-std::vector<std::pair<QString, QString>> ReadIniSection(const QString& file, const QString& section) {
+std::vector<std::pair<QString, QString>> ReadIniSection(const QString& file,
+                                                        const QString& section) {
   IniFile ini;
   ini.Load(ResolveIniPath(file));
   return ini.Section(section);
@@ -285,7 +301,8 @@ QStringList ReadIniSectionNames(const QString& file) {
 std::optional<std::vector<std::pair<int, int>>> ParseIniEnumType(const QString& typeText) {
   const QString text = typeText.trimmed();
   if (!text.startsWith(QLatin1String("ENUM"), Qt::CaseInsensitive)) return std::nullopt;
-  static const QRegularExpression to(QStringLiteral("\\s*\\bTO\\b\\s*"), QRegularExpression::CaseInsensitiveOption);
+  static const QRegularExpression to(QStringLiteral("\\s*\\bTO\\b\\s*"),
+                                     QRegularExpression::CaseInsensitiveOption);
   std::vector<std::pair<int, int>> ranges;
   for (const QString& item : text.mid(4).split(QLatin1Char(','))) {
     const QStringList bounds = item.trimmed().split(to);

@@ -66,9 +66,11 @@ int ReadIniValue(const QString& file, const QString& section, const QString& key
                  const QString& typeText);
 // Writes one key, creating the file and section as needed. False when the
 // file cannot be written.
-bool WriteIniValue(const QString& file, const QString& section, const QString& key, const QString& value);
+bool WriteIniValue(const QString& file, const QString& section, const QString& key,
+                   const QString& value);
 // The key and value pairs of `section`, each entry split at its first "=".
-std::vector<std::pair<QString, QString>> ReadIniSection(const QString& file, const QString& section);
+std::vector<std::pair<QString, QString>> ReadIniSection(const QString& file,
+                                                        const QString& section);
 // The names of the sections of `file`, in file order.
 QStringList ReadIniSectionNames(const QString& file);
 

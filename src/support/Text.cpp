@@ -82,7 +82,8 @@ double ScanNumber(const QString& text) {
   const qsizetype n = text.size();
   while (i < n && (text[i] == QLatin1Char(' ') || text[i] == QLatin1Char('\t'))) ++i;
   QByteArray number;
-  if (i < n && (text[i] == QLatin1Char('+') || text[i] == QLatin1Char('-'))) number += char(text[i++].unicode());
+  if (i < n && (text[i] == QLatin1Char('+') || text[i] == QLatin1Char('-')))
+    number += char(text[i++].unicode());
   bool digits = false;
   bool point = false;
   for (; i < n; ++i) {
@@ -101,9 +102,11 @@ double ScanNumber(const QString& text) {
   if (i < n && (text[i] == QLatin1Char('e') || text[i] == QLatin1Char('E'))) {
     qsizetype j = i + 1;
     QByteArray exponent = "e";
-    if (j < n && (text[j] == QLatin1Char('+') || text[j] == QLatin1Char('-'))) exponent += char(text[j++].unicode());
+    if (j < n && (text[j] == QLatin1Char('+') || text[j] == QLatin1Char('-')))
+      exponent += char(text[j++].unicode());
     const qsizetype firstDigit = j;
-    while (j < n && text[j] >= QLatin1Char('0') && text[j] <= QLatin1Char('9')) exponent += char(text[j++].unicode());
+    while (j < n && text[j] >= QLatin1Char('0') && text[j] <= QLatin1Char('9'))
+      exponent += char(text[j++].unicode());
     if (j > firstDigit) number += exponent;
   }
   bool ok = false;

@@ -66,7 +66,8 @@ bool RestoreWindowPlacement(const QString& name, int index, WindowGeometry& wind
   int height = window.rect.height();
   ApplyDimension(left, right, x, width);
   ApplyDimension(top, bottom, y, height);
-  if ((left || top) && width > 0 && height > 0) window.rect = FitToScreens(QRect(x, y, width, height), screens);
+  if ((left || top) && width > 0 && height > 0)
+    window.rect = FitToScreens(QRect(x, y, width, height), screens);
   if (state && *state == 2) window.windowState = 2;
   return left || top || right || bottom || state;
 }

@@ -11,9 +11,9 @@ namespace ombrelle {
 // widget: the rectangle of the normal (not minimised, not maximised) window
 // and its state.
 struct WindowGeometry {
-  QRect rect;             // the normal rectangle, in screen pixels
-  int windowState = 0;    // 0 normal, 1 minimised, 2 maximised
-  bool sizable = true;    // a window with a sizable border keeps its size too
+  QRect rect;           // the normal rectangle, in screen pixels
+  int windowState = 0;  // 0 normal, 1 minimised, 2 maximised
+  bool sizable = true;  // a window with a sizable border keeps its size too
 };
 
 // Key of one side under section "WindowPlacement": the window's name, the

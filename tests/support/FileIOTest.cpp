@@ -55,7 +55,9 @@ TEST(WholeFileWriters, WriteExactBytes) {
   QTemporaryDir dir;
   const QString unicodePath = dir.path() + "/u.txt";
   ASSERT_TRUE(SaveUnicodeFile(unicodePath, QString::fromUtf8("A\u00e9\u20ac\r\n")));
-  EXPECT_EQ(ReadAll(unicodePath), QByteArray("\xFF\xFE" "A\0\xE9\0\xAC\x20\r\0\n\0", 12));
+  EXPECT_EQ(ReadAll(unicodePath), QByteArray("\xFF\xFE"
+                                             "A\0\xE9\0\xAC\x20\r\0\n\0",
+                                             12));
 
   const QString binaryPath = dir.path() + "/b.bin";
   const QByteArray bytes("\0\1\2\xFF", 4);
@@ -76,11 +78,14 @@ TEST(WholeFileWriters, RefusalsAndTheirMessages) {
 
   QDir(dir.path()).mkdir("taken");
   EXPECT_FALSE(SaveUnicodeFile(dir.path() + "/taken", "x"));
-  EXPECT_UI_MESSAGE(scripted.ui, 1, ("Error overwriting file " + dir.path() + "/taken").toStdString(), 48);
+  EXPECT_UI_MESSAGE(scripted.ui, 1,
+                    ("Error overwriting file " + dir.path() + "/taken").toStdString(), 48);
 
   const QString missing = dir.path() + "/no/such/folder/f.bin";
   EXPECT_FALSE(SaveBinaryFile(missing, "x"));
-  EXPECT_UI_MESSAGE(scripted.ui, 2, ("Error #2 saving to " + missing + ":\r\nNo such file or directory").toStdString(), 48);
+  EXPECT_UI_MESSAGE(
+      scripted.ui, 2,
+      ("Error #2 saving to " + missing + ":\r\nNo such file or directory").toStdString(), 48);
   EXPECT_EQ(scripted.ui.messages.size(), 3u);
 }
 
@@ -97,14 +102,17 @@ TEST(WholeFileWriters, AFailedWriteLeavesNoHalfFile) {
   EXPECT_FALSE(saved);
   EXPECT_EQ(ReadAll(path), "old content");
   EXPECT_EQ(FolderEntries(dir.path()), QStringList({"report.bin"}));
-  EXPECT_ONLY_UI_MESSAGE(scripted.ui, ("Error #27 saving to " + path + ":\r\nFile too large").toStdString(), 48);
+  EXPECT_ONLY_UI_MESSAGE(scripted.ui,
+                         ("Error #27 saving to " + path + ":\r\nFile too large").toStdString(), 48);
 }
 
 TEST(SaveFileDialog, GoesThroughTheServiceAndAddsTheExtension) {
   ScopedScriptedUi scripted;
   scripted.ui.fileAnswers = {"/home/u/table", "/home/u/table.htm", ""};
-  EXPECT_EQ(SaveFileDialog("csv", "CSV files (*.csv)", "/home/u", "t.csv", "Export"), "/home/u/table.csv");
-  EXPECT_EQ(SaveFileDialog("csv", "CSV files (*.csv)", "/home/u", "t.csv", "Export"), "/home/u/table.htm");
+  EXPECT_EQ(SaveFileDialog("csv", "CSV files (*.csv)", "/home/u", "t.csv", "Export"),
+            "/home/u/table.csv");
+  EXPECT_EQ(SaveFileDialog("csv", "CSV files (*.csv)", "/home/u", "t.csv", "Export"),
+            "/home/u/table.htm");
   EXPECT_EQ(SaveFileDialog("csv", "CSV files (*.csv)", "/home/u", "t.csv", "Export"), "");
   ASSERT_EQ(scripted.ui.fileRequests.size(), 3u);
   const FileDialogRequest& request = scripted.ui.fileRequests[0];
@@ -119,9 +127,11 @@ TEST(SaveFileDialog, GoesThroughTheServiceAndAddsTheExtension) {
 TEST(GetSpecialFolder, KnownCodesInTheSandbox) {
   for (int code : {SpecialFolder::Documents, SpecialFolder::LocalAppData, SpecialFolder::AppData}) {
     const QString folder = GetSpecialFolder(code);
-    EXPECT_TRUE(folder.startsWith(ombrelle::test::SandboxRoot())) << code << " " << folder.toStdString();
+    EXPECT_TRUE(folder.startsWith(ombrelle::test::SandboxRoot()))
+        << code << " " << folder.toStdString();
   }
-  EXPECT_NE(GetSpecialFolder(SpecialFolder::Documents), GetSpecialFolder(SpecialFolder::LocalAppData));
+  EXPECT_NE(GetSpecialFolder(SpecialFolder::Documents),
+            GetSpecialFolder(SpecialFolder::LocalAppData));
   EXPECT_EQ(GetSpecialFolder(9999), "");
 }
 

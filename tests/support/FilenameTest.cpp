@@ -51,13 +51,14 @@ TEST(PathRoutines, SplitAndJoin) {
 
 TEST(PathRoutines, JoinFoldsDots) {
   const char* cases[][3] = {
-      {"/a/b", "c.txt", "/a/b/c.txt"},        {"/a/b/", "c.txt", "/a/b/c.txt"},
-      {"/a/b", "../c", "/a/c"},               {"/a/b", "./c/./d", "/a/b/c/d"},
-      {"/a", "../../x", "/x"},                {"/a", "/abs/../y", "/y"},
-      {"rel", "../../up", "../up"},           {"", "x", "/x"},
-      {"/a/b", "", "/a/b/"},                  {"/", "c", "/c"},
+      {"/a/b", "c.txt", "/a/b/c.txt"}, {"/a/b/", "c.txt", "/a/b/c.txt"},
+      {"/a/b", "../c", "/a/c"},        {"/a/b", "./c/./d", "/a/b/c/d"},
+      {"/a", "../../x", "/x"},         {"/a", "/abs/../y", "/y"},
+      {"rel", "../../up", "../up"},    {"", "x", "/x"},
+      {"/a/b", "", "/a/b/"},           {"/", "c", "/c"},
   };
-  for (const auto& c : cases) EXPECT_EQ(JoinPath(c[0], c[1]).toStdString(), c[2]) << c[0] << " + " << c[1];
+  for (const auto& c : cases)
+    EXPECT_EQ(JoinPath(c[0], c[1]).toStdString(), c[2]) << c[0] << " + " << c[1];
   EXPECT_EQ(JoinPath(FileFolder("/x.qvz"), FileNameOnly("/x.qvz")), "/x.qvz");
 }
 
@@ -74,7 +75,8 @@ TEST(PathRoutines, AbsoluteAndWildcards) {
 
 TEST(NumberToLetters, BijectiveBase26) {
   const std::pair<long long, const char*> cases[] = {
-      {0, ""}, {-3, ""}, {1, "a"}, {26, "z"}, {27, "aa"}, {52, "az"}, {53, "ba"}, {702, "zz"}, {703, "aaa"}, {9999, "nto"}};
+      {0, ""},    {-3, ""},   {1, "a"},    {26, "z"},    {27, "aa"},
+      {52, "az"}, {53, "ba"}, {702, "zz"}, {703, "aaa"}, {9999, "nto"}};
   for (const auto& [n, letters] : cases) EXPECT_EQ(NumberToLetters(n).toStdString(), letters) << n;
 }
 
@@ -94,7 +96,9 @@ TEST(MakeValidFilename, EveryStep) {
       {"console.txt", "console.txt"},
       {"my report.html", "my_report.html"},
       {"a<b>c:d\"e/f\\g|h*i?j", "a{b}c=d'e-f-g!h+i+j"},
-      {QString("tab\there\x01\x1f\x7f" "end"), "tabhereend"},
+      {QString("tab\there\x01\x1f\x7f"
+               "end"),
+       "tabhereend"},
       {"..", "--"},
       {".", "-"},
       {"...", "..."},
@@ -159,13 +163,13 @@ TEST(DeleteFile, RefusalsAndSuccess) {
   QDir(root).mkdir("folder");
   QDir::setCurrent(root);
 
-  EXPECT_FALSE(DeleteFile("*.txt"));            // relative with wildcards
-  EXPECT_FALSE(DeleteFile("a.txt"));            // relative, even naming a file
+  EXPECT_FALSE(DeleteFile("*.txt"));  // relative with wildcards
+  EXPECT_FALSE(DeleteFile("a.txt"));  // relative, even naming a file
   EXPECT_TRUE(FileExists(root + "/a.txt"));
-  EXPECT_FALSE(DeleteFile(root + "/*.txt"));    // names no file, has "*"
+  EXPECT_FALSE(DeleteFile(root + "/*.txt"));  // names no file, has "*"
   EXPECT_FALSE(DeleteFile(root + "/?.txt"));
   EXPECT_TRUE(FileExists(root + "/b.txt"));
-  EXPECT_FALSE(DeleteFile(root + "/folder"));   // a folder
+  EXPECT_FALSE(DeleteFile(root + "/folder"));  // a folder
   EXPECT_TRUE(FolderExists(root + "/folder"));
   EXPECT_TRUE(DeleteFile(root + "/missing.txt"));
   EXPECT_TRUE(DeleteFile(root + "/a.txt"));
@@ -185,7 +189,8 @@ TEST(RecycleFile, MovesToTrashOrDeletes) {
   EXPECT_ONLY_UI_MESSAGE(scripted.ui, "Path not absolute in call to Recycle:\r\nkeep.txt", 48);
 
   EXPECT_FALSE(RecycleFile(root + "/missing.txt"));
-  EXPECT_UI_MESSAGE(scripted.ui, 1, "Error #2 calling SHFileOperation:\r\nNo such file or directory", 48);
+  EXPECT_UI_MESSAGE(scripted.ui, 1,
+                    "Error #2 calling SHFileOperation:\r\nNo such file or directory", 48);
 
   EXPECT_TRUE(RecycleFile(root + "/gone.txt", false));
   EXPECT_FALSE(FileExists(root + "/gone.txt"));
@@ -210,8 +215,9 @@ TEST(CreateFolderPath, CreatesParentsAndReportsFailures) {
 
   Touch(root + "/file");
   EXPECT_FALSE(CreateFolderPath(root + "/file/sub"));
-  EXPECT_ONLY_UI_MESSAGE(scripted.ui,
-                         ("Cannot create directory:\r\n" + root + "/file\r\nThe name is in use.").toStdString(), 48);
+  EXPECT_ONLY_UI_MESSAGE(
+      scripted.ui,
+      ("Cannot create directory:\r\n" + root + "/file\r\nThe name is in use.").toStdString(), 48);
 
   EXPECT_FALSE(CreateFolderPath("relative/path"));
   EXPECT_UI_MESSAGE(scripted.ui, 1, "Cannot create directory:\r\nrelative/path", 48);
@@ -227,7 +233,8 @@ TEST(TempNames, InTheSandboxTempFolder) {
   const QString file = FileNameOnly(name);
   EXPECT_TRUE(file.startsWith("Omb")) << file.toStdString();
   EXPECT_GE(file.size(), 6);
-  for (const QChar c : file.mid(3)) EXPECT_TRUE(QString("0123456789abcdefghijklmnopqrstuvwxyz-+").contains(c));
+  for (const QChar c : file.mid(3))
+    EXPECT_TRUE(QString("0123456789abcdefghijklmnopqrstuvwxyz-+").contains(c));
   EXPECT_FALSE(FileExists(name));
 
   const QString withExtension = GetUniqueTempName("rep", "html");

@@ -112,7 +112,8 @@ class FormatMetricUnderLocale : public ::testing::TestWithParam<QLocale::Languag
  protected:
   void SetUp() override {
     m_saved = QLocale();
-    QLocale::setDefault(QLocale(GetParam(), GetParam() == QLocale::German ? QLocale::Germany : QLocale::AnyTerritory));
+    QLocale::setDefault(QLocale(
+        GetParam(), GetParam() == QLocale::German ? QLocale::Germany : QLocale::AnyTerritory));
   }
   void TearDown() override { QLocale::setDefault(m_saved); }
 
@@ -127,7 +128,8 @@ TEST_P(FormatMetricUnderLocale, EveryCodeAtItsBoundaries) {
     ASSERT_EQ(QLocale().decimalPoint(), ",");
   }
   for (const FormatCase& c : kFormatCases) {
-    EXPECT_EQ(FormatMetric(c.format, c.value).toStdString(), c.cell) << "code " << c.format << " value " << c.value;
+    EXPECT_EQ(FormatMetric(c.format, c.value).toStdString(), c.cell)
+        << "code " << c.format << " value " << c.value;
     EXPECT_EQ(FormatMetricPlain(c.format, c.value).toStdString(), c.plain)
         << "code " << c.format << " value " << c.value;
   }
@@ -164,10 +166,13 @@ TEST(FormatMetric, ValuesThatAreNotFinite) {
 
 TEST(OrderOfMagnitude, WholePartOfLog10RoundedDown) {
   const std::pair<double, int> cases[] = {
-      {0, 0},    {1, 0},      {9.99, 0},     {10, 1},       {999, 2},         {1000, 3},
-      {0.1, -1}, {0.0123, -2}, {0.001, -3},  {-1000, 3},    {1e-300, -300},   {1e300, 300},
+      {0, 0},     {1, 0},         {9.99, 0},
+      {10, 1},    {999, 2},       {1000, 3},
+      {0.1, -1},  {0.0123, -2},   {0.001, -3},
+      {-1000, 3}, {1e-300, -300}, {1e300, 300},
       {1e-5, -5}, {99999.999, 4}, {std::numeric_limits<double>::quiet_NaN(), 0}};
-  for (const auto& [value, magnitude] : cases) EXPECT_EQ(OrderOfMagnitude(value), magnitude) << value;
+  for (const auto& [value, magnitude] : cases)
+    EXPECT_EQ(OrderOfMagnitude(value), magnitude) << value;
 }
 
 TEST(FormatDateShort, FourDigitYearFromLocalePattern) {
@@ -203,14 +208,17 @@ TEST(FormatDateShort, FourDigitYearFromLocalePattern) {
 TEST(FormatMetricPlain, DateInTheLocalesShortFormat) {
   const QLocale saved;
   QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-  EXPECT_EQ(FormatMetricPlain(9, 36525), QLocale().toString(QDate(1999, 12, 31), QLocale::ShortFormat));
+  EXPECT_EQ(FormatMetricPlain(9, 36525),
+            QLocale().toString(QDate(1999, 12, 31), QLocale::ShortFormat));
   QLocale::setDefault(saved);
 }
 
 TEST(VersionText, MajorMinorAndRevision) {
   const QString shortText = VersionText(false);
   const QString fullText = VersionText(true);
-  EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d+\\.\\d+$")).match(shortText).hasMatch()) << shortText.toStdString();
-  EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d+\\.\\d+\\.\\d+$")).match(fullText).hasMatch());
+  EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d+\\.\\d+$")).match(shortText).hasMatch())
+      << shortText.toStdString();
+  EXPECT_TRUE(
+      QRegularExpression(QStringLiteral("^\\d+\\.\\d+\\.\\d+$")).match(fullText).hasMatch());
   EXPECT_TRUE(fullText.startsWith(shortText + "."));
 }

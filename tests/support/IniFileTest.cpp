@@ -42,7 +42,8 @@ TEST(IniFile, ReadsALimitsFileWithCrLf) {
   EXPECT_EQ(ReadIniValue("/no/such/file.mtl", "Rule1", "Metric", 5), 5);
   EXPECT_EQ(ReadIniSection(kMtl, "MTL Metric limits"),
             Entries({{"Version", "1.0"}, {"Name", "Strict rules"}, {"Rules", "2"}}));
-  EXPECT_EQ(ReadIniSection(kMtl, "Rule2"), Entries({{"Metric", "3105"}, {"LimitType", "0"}, {"Limit", "-4.5"}}));
+  EXPECT_EQ(ReadIniSection(kMtl, "Rule2"),
+            Entries({{"Metric", "3105"}, {"LimitType", "0"}, {"Limit", "-4.5"}}));
   EXPECT_TRUE(ReadIniSection(kMtl, "Rule9").empty());
   EXPECT_EQ(ReadIniSectionNames(kMtl), QStringList({"MTL Metric limits", "Rule1", "Rule2"}));
 }
@@ -132,7 +133,8 @@ TEST(IniFile, Encodings) {
   EXPECT_EQ(ReadAll(ansi), "[S]\r\nName=Caf\xE9 \x80\r\nOther=\xFC\r\n");
   // A character Windows-1252 lacks turns the file into UTF-8 rather than be lost.
   ASSERT_TRUE(WriteIniValue(ansi, "S", "Name", QString::fromUtf8("\u041c\u0438\u0440")));
-  EXPECT_EQ(ReadAll(ansi), "\xEF\xBB\xBF[S]\r\nName=\xD0\x9C\xD0\xB8\xD1\x80\r\nOther=\xC3\xBC\r\n");
+  EXPECT_EQ(ReadAll(ansi),
+            "\xEF\xBB\xBF[S]\r\nName=\xD0\x9C\xD0\xB8\xD1\x80\r\nOther=\xC3\xBC\r\n");
   EXPECT_EQ(ReadIniValue(ansi, "S", "Name", ""), QString::fromUtf8("\u041c\u0438\u0440"));
 
   const QString utf8 = dir.path() + "/utf8.ini";
@@ -149,7 +151,8 @@ TEST(IniFile, Encodings) {
 }
 
 TEST(IniFile, BareNameIsTakenFromTheProgramFolder) {
-  const QString name = "ombrelle-ini-test-" + QString::number(QCoreApplication::applicationPid()) + ".ini";
+  const QString name =
+      "ombrelle-ini-test-" + QString::number(QCoreApplication::applicationPid()) + ".ini";
   const QString inProgramFolder = QCoreApplication::applicationDirPath() + "/" + name;
   ASSERT_TRUE(WriteIniValue(name, "S", "k", "here"));
   EXPECT_EQ(ReadAll(inProgramFolder), "[S]\r\nk=here\r\n");

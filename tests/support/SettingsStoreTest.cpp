@@ -87,7 +87,8 @@ TEST(SettingsStore, TwoStoresKeepEachOthersKeys) {
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   environment.insert(kChildVariable, file.path());
   child.setProcessEnvironment(environment);
-  child.start(QCoreApplication::applicationFilePath(), {"--gtest_filter=SettingsStoreChild.WritesOneKey"});
+  child.start(QCoreApplication::applicationFilePath(),
+              {"--gtest_filter=SettingsStoreChild.WritesOneKey"});
   ASSERT_TRUE(child.waitForFinished(30000));
   ASSERT_EQ(child.exitCode(), 0) << child.readAllStandardOutput().toStdString();
 
@@ -111,7 +112,7 @@ TEST(WindowPlacement, SaveWritesTheDescribedKeys) {
   SaveWindowPlacement("frmX", 2, {QRect(5, 6, 70, 80), 0, false});
   const auto sizable = GetAllSettings("WindowPlacement");
   std::vector<std::pair<QString, QString>> expected = {
-      {"frmMetrics.Bottom", "220"}, {"frmMetrics.Left", "10"},   {"frmMetrics.Right", "310"},
+      {"frmMetrics.Bottom", "220"}, {"frmMetrics.Left", "10"},       {"frmMetrics.Right", "310"},
       {"frmMetrics.Top", "20"},     {"frmMetrics.WindowState", "0"}, {"frmX(2).Left", "5"},
       {"frmX(2).Top", "6"},         {"frmX(2).WindowState", "0"}};
   auto sorted = sizable;
@@ -177,11 +178,11 @@ TEST(WindowPlacement, RestoreRules) {
 TEST(WindowPlacement, FitToScreens) {
   const std::vector<QRect> screens = {QRect(0, 0, 1600, 1000), QRect(1600, 0, 1280, 1024)};
   const std::pair<QRect, QRect> cases[] = {
-      {QRect(100, 100, 400, 300), QRect(100, 100, 400, 300)},      // inside
-      {QRect(1500, 100, 400, 300), QRect(1600, 100, 400, 300)},    // mostly on the second
-      {QRect(-50, -20, 400, 300), QRect(0, 0, 400, 300)},          // over the edge
-      {QRect(10, 10, 3000, 2000), QRect(0, 0, 1600, 1000)},        // larger than the screen
-      {QRect(9000, 9000, 100, 100), QRect(1500, 900, 100, 100)},   // on no screen
+      {QRect(100, 100, 400, 300), QRect(100, 100, 400, 300)},     // inside
+      {QRect(1500, 100, 400, 300), QRect(1600, 100, 400, 300)},   // mostly on the second
+      {QRect(-50, -20, 400, 300), QRect(0, 0, 400, 300)},         // over the edge
+      {QRect(10, 10, 3000, 2000), QRect(0, 0, 1600, 1000)},       // larger than the screen
+      {QRect(9000, 9000, 100, 100), QRect(1500, 900, 100, 100)},  // on no screen
   };
   for (const auto& [rect, fitted] : cases) EXPECT_EQ(FitToScreens(rect, screens), fitted);
   EXPECT_EQ(FitToScreens(QRect(9000, 9000, 100, 100), {}), QRect(9000, 9000, 100, 100));

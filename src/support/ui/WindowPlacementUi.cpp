@@ -19,7 +19,8 @@ QString WindowName(const QWidget& window) {
 
 std::vector<QRect> AvailableScreens() {
   std::vector<QRect> screens;
-  if (QScreen* primary = QGuiApplication::primaryScreen()) screens.push_back(primary->availableGeometry());
+  if (QScreen* primary = QGuiApplication::primaryScreen())
+    screens.push_back(primary->availableGeometry());
   for (QScreen* screen : QGuiApplication::screens())
     if (screen != QGuiApplication::primaryScreen()) screens.push_back(screen->availableGeometry());
   return screens;
@@ -39,7 +40,8 @@ bool RestoreWindowPlacement(QWidget& window, int index) {
   WindowGeometry geometry;
   geometry.rect = window.geometry();
   geometry.sizable = window.minimumSize() != window.maximumSize();
-  if (!RestoreWindowPlacement(WindowName(window), index, geometry, AvailableScreens())) return false;
+  if (!RestoreWindowPlacement(WindowName(window), index, geometry, AvailableScreens()))
+    return false;
   window.setGeometry(geometry.rect);
   if (geometry.windowState == 2) window.setWindowState(window.windowState() | Qt::WindowMaximized);
   return true;
