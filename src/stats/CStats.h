@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <memory>
 #include <new>
-#include <utility>
 #include <span>
+#include <utility>
 #include <vector>
 
 class QIODevice;

@@ -21,8 +21,8 @@ void HeapSortPositions(Ops& ops, std::int32_t lo, std::int32_t hi) {
     for (;;) {
       std::int64_t child = 2 * root + 1;
       if (child >= size) return;
-      if (child + 1 < size &&
-          ops.Before(static_cast<std::int32_t>(lo + child), static_cast<std::int32_t>(lo + child + 1)))
+      if (child + 1 < size && ops.Before(static_cast<std::int32_t>(lo + child),
+                                         static_cast<std::int32_t>(lo + child + 1)))
         ++child;
       if (!ops.Before(static_cast<std::int32_t>(lo + root), static_cast<std::int32_t>(lo + child)))
         return;

@@ -39,10 +39,9 @@ TEST(CStatsFile, SaveWritesEveryAllocatedSlotAsLittleEndianDoubles) {
   buffer.open(QIODevice::WriteOnly);
   buffer.write("ab");  // written at the device's position, after whatever is there
   ASSERT_TRUE(s.Save(buffer));
-  EXPECT_EQ(buffer.data(), QByteArray("ab") +
-                               Bytes({0, 0, 0, 0, 0, 0, 0xF0, 0x3F,    // 1.0
-                                      0, 0, 0, 0, 0, 0, 0x04, 0xC0,    // -2.5
-                                      0, 0, 0, 0, 0, 0, 0, 0}));       // unfilled slot
+  EXPECT_EQ(buffer.data(), QByteArray("ab") + Bytes({0, 0, 0, 0, 0, 0, 0xF0, 0x3F,  // 1.0
+                                                     0, 0, 0, 0, 0, 0, 0x04, 0xC0,  // -2.5
+                                                     0, 0, 0, 0, 0, 0, 0,    0}));  // unfilled slot
   CStats empty;
   ASSERT_TRUE(empty.Save(buffer));
   EXPECT_EQ(buffer.data().size(), 26);
@@ -61,11 +60,20 @@ TEST(CStatsFile, LoadFamilyWidensLittleEndianValues) {
     std::vector<double> expected;
   };
   const Case cases[] = {
-      {"double", Bytes({0, 0, 0, 0, 0, 0, 0x04, 0xC0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F}), 2,
-       &CStats::Load, {-2.5, 1.0}},
-      {"long", Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0x80, 1, 0, 0, 0}), 3, &CStats::LoadLong,
+      {"double",
+       Bytes({0, 0, 0, 0, 0, 0, 0x04, 0xC0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F}),
+       2,
+       &CStats::Load,
+       {-2.5, 1.0}},
+      {"long",
+       Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0x80, 1, 0, 0, 0}),
+       3,
+       &CStats::LoadLong,
        {-1, -2147483648.0, 1}},
-      {"int", Bytes({0xFF, 0x7F, 0x00, 0x80, 0xFE, 0xFF}), 3, &CStats::LoadInt,
+      {"int",
+       Bytes({0xFF, 0x7F, 0x00, 0x80, 0xFE, 0xFF}),
+       3,
+       &CStats::LoadInt,
        {32767, -32768, -2}},
       {"byte", Bytes({0x00, 0x7F, 0xFF}), 3, &CStats::LoadByte, {0, 127, 255}},
   };
@@ -83,7 +91,7 @@ TEST(CStatsFile, LoadFamilyWidensLittleEndianValues) {
     EXPECT_EQ(s.count(), c.number) << c.what;
     EXPECT_EQ(s.Capacity(), c.number) << c.what;
     EXPECT_EQ(s.DataType, 0) << c.what;  // Load starts with Init
-    EXPECT_EQ(s.Sum, 0) << c.what;      // and computes nothing
+    EXPECT_EQ(s.Sum, 0) << c.what;       // and computes nothing
     EXPECT_EQ(buffer.pos(), 3 + c.bytes.size()) << c.what;
   }
 }
@@ -99,15 +107,12 @@ TEST(CStatsFile, CountsTheFileCannotHoldAreRefusedBeforeAllocating) {
     bool ok;
   };
   const Case cases[] = {
-      {0, 3, &CStats::Load, false},         // 24 bytes wanted, 20 there
-      {0, 2, &CStats::Load, true},          // 16 of 20
-      {8, 2, &CStats::Load, false},         // 12 left after position 8
-      {0, 2147483647, &CStats::Load, false},
-      {0, 2147483647, &CStats::LoadByte, false},
-      {0, -1, &CStats::LoadLong, false},
-      {20, 0, &CStats::LoadInt, true},
-      {10, 5, &CStats::LoadInt, true},
-      {10, 6, &CStats::LoadInt, false},
+      {0, 3, &CStats::Load, false},  // 24 bytes wanted, 20 there
+      {0, 2, &CStats::Load, true},   // 16 of 20
+      {8, 2, &CStats::Load, false},  // 12 left after position 8
+      {0, 2147483647, &CStats::Load, false}, {0, 2147483647, &CStats::LoadByte, false},
+      {0, -1, &CStats::LoadLong, false},     {20, 0, &CStats::LoadInt, true},
+      {10, 5, &CStats::LoadInt, true},       {10, 6, &CStats::LoadInt, false},
   };
   for (const Case& c : cases) {
     buffer.seek(c.at);

@@ -107,8 +107,8 @@ TEST(CStatsOrderStatistics, QuartilePositionsAreOrderStatisticsWithoutInterpolat
     double q1, q3, q5, q95, median;
   };
   const Case cases[] = {
-      {4, 1, 4, 1, 4, 2.5},      {5, 2, 4, 1, 5, 3},        {8, 2, 7, 1, 8, 4.5},
-      {20, 5, 16, 1, 20, 10.5},  {21, 6, 16, 2, 20, 11},    {1, 1, 1, 1, 1, 1},
+      {4, 1, 4, 1, 4, 2.5},     {5, 2, 4, 1, 5, 3},     {8, 2, 7, 1, 8, 4.5},
+      {20, 5, 16, 1, 20, 10.5}, {21, 6, 16, 2, 20, 11}, {1, 1, 1, 1, 1, 1},
   };
   std::mt19937 random(5);
   for (const Case& c : cases) {

@@ -49,7 +49,7 @@ TEST(CStatsMoments, SmallSeriesExactly) {
   EXPECT_EQ(s.StdDev, 2);  // population deviation, divisor n
   EXPECT_EQ(s.Min, 2);
   EXPECT_EQ(s.Max, 9);
-  EXPECT_EQ(s.Skew, 42.0 / 8 / 8);          // cubes sum to 42
+  EXPECT_EQ(s.Skew, 42.0 / 8 / 8);            // cubes sum to 42
   EXPECT_EQ(s.Kurtosis, 356.0 / 16 / 8 - 3);  // fourth powers sum to 356
   EXPECT_EQ(s.Median(), 4.5);
 
@@ -66,8 +66,8 @@ TEST(CStatsMoments, SmallSeriesExactly) {
 
 TEST(CStatsMoments, DegenerateSeries) {
   CStats empty = MakeSeries({});
-  for (double v : {empty.Sum, empty.Mean, empty.StdDev, empty.Min, empty.Max, empty.Skew,
-                   empty.Kurtosis})
+  for (double v :
+       {empty.Sum, empty.Mean, empty.StdDev, empty.Min, empty.Max, empty.Skew, empty.Kurtosis})
     EXPECT_EQ(v, 0);
 
   CStats equal = MakeSeries({3.5, 3.5, 3.5, 3.5, 3.5, 3.5, 3.5});
@@ -118,8 +118,7 @@ TEST(CStatsStorage, InitFromArrayAndCloneFilter) {
     std::vector<double> kept;
   };
   const Case cases[] = {
-      {0, 6, {1, 3}},        {1, 6, {5, 1, 3, 5}}, {2, 6, {7, 9}},
-      {2, 3, {7}},           {7, 6, {}},           {1, 0, {}},
+      {0, 6, {1, 3}}, {1, 6, {5, 1, 3, 5}}, {2, 6, {7, 9}}, {2, 3, {7}}, {7, 6, {}}, {1, 0, {}},
   };
   for (const Case& c : cases) {
     CStats s;
@@ -214,7 +213,7 @@ TEST(CStatsDefinedOrder, OneValueInThreeRows) {
   EXPECT_EQ(s.Sort(1), 2);
   EXPECT_EQ(Rows(s, 1, 3), (std::vector<int>{1, 3, 2}));  // holes first, in row order
   s.Sort(-1);
-  EXPECT_EQ(s.ValueAtIndex(1), 0);  // counted from count: place 1 is a hole
+  EXPECT_EQ(s.ValueAtIndex(1), 0);           // counted from count: place 1 is a hole
   EXPECT_TRUE(s.ValueAtIndexDefined(1, v));  // counted from Capacity: the value
   EXPECT_EQ(v, 7);
   EXPECT_EQ(Rows(s, 1, 3), (std::vector<int>{2, 3, 1}));
@@ -266,8 +265,8 @@ TEST(CStatsOperate, ElementWiseOverCapacity) {
     std::vector<double> expected;
   };
   const Case cases[] = {
-      {0, {3, 2, 7, 5}},        {1, {2, 0, 12, 0}},  {2, {0.5, 0, 0.75, 0}},
-      {3, {-1, 2, -1, -5}},     {4, {1, 1, 81, 0}},  {9, {}},
+      {0, {3, 2, 7, 5}},    {1, {2, 0, 12, 0}}, {2, {0.5, 0, 0.75, 0}},
+      {3, {-1, 2, -1, -5}}, {4, {1, 1, 81, 0}}, {9, {}},
   };
   for (const Case& c : cases) {
     CStats r = x.Operate(c.operation, y);

@@ -41,12 +41,16 @@ TEST(CorrelationIsSignificant, TwoSidedTestAtFivePercent) {
     bool significant;
   };
   const Case cases[] = {
-      {0.999, 3, true},   // t = 22.3 against 12.706
-      {0.9, 3, false},    // t = 2.06
-      {1.0, 3, true},     {-1.0, 3, true},   {1.0000001, 50, false},
-      {0.5, 20, true},    // t = 2.45 against 2.109
-      {-0.5, 20, true},   {0.4, 20, false},  {0.99, 2, false},
-      {0.1, 500, true},   // t = 2.24 against 1.96
+      {0.999, 3, true},  // t = 22.3 against 12.706
+      {0.9, 3, false},   // t = 2.06
+      {1.0, 3, true},
+      {-1.0, 3, true},
+      {1.0000001, 50, false},
+      {0.5, 20, true},  // t = 2.45 against 2.109
+      {-0.5, 20, true},
+      {0.4, 20, false},
+      {0.99, 2, false},
+      {0.1, 500, true},  // t = 2.24 against 1.96
       {std::numeric_limits<double>::quiet_NaN(), 10, false},
   };
   for (const Case& c : cases)
@@ -55,8 +59,8 @@ TEST(CorrelationIsSignificant, TwoSidedTestAtFivePercent) {
 
 TEST(RegressionSlopePattern, TwoDecimalsFromOneTenthUp) {
   const std::pair<double, std::string> cases[] = {
-      {0, "0"},           {0.1, "0.00"},   {-0.25, "0.00"},       {12.5, "0.00"},
-      {0.05, "0.########"}, {-0.001, "0.########"},
+      {0, "0"},       {0.1, "0.00"},        {-0.25, "0.00"},
+      {12.5, "0.00"}, {0.05, "0.########"}, {-0.001, "0.########"},
   };
   for (const auto& [b, pattern] : cases) EXPECT_EQ(RegressionSlopePattern(b), pattern) << b;
   EXPECT_EQ(std::string(kRegressionConstantPattern), "0.00");
