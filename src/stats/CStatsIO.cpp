@@ -58,9 +58,11 @@ bool CStats::LoadRaw(QIODevice& file, std::int32_t n, int width) {
     Init(0, false);
     return false;
   }
-  Init(n, false);
-  m_count = n;
+  // Init(n) without zeroing the slots: the read below fills every one of them.
+  Init(0, false);
   if (n == 0) return true;
+  m_values.resize(static_cast<std::size_t>(n));
+  m_capacity = m_count = n;
   double* out = m_values.data();
   bool ok = true;
   if (width == 8) {
