@@ -118,7 +118,7 @@ QByteArray QvzFixture::Build(FixtureLayout* layout) const {
       AppendInt32(out, 0);
       out += text;
     } else {
-      for (int row = 0; row < c.itemCount; ++row) {
+      for (int row = 0; row < c.rowRecords.value_or(c.itemCount); ++row) {
         AppendInt16(out, row < static_cast<int>(c.fileNrs.size()) ? c.fileNrs[row] : 0);
         const QString name = row < c.rowNames.size() ? c.rowNames[row] : QString();
         out += utf8 ? Padded(name.toUtf8(), 128, '\0')

@@ -43,8 +43,10 @@ struct ClassSpec {
   // Version 3 block: its Encoding field, and a Length that replaces the true one.
   int32_t rowEncoding = 2;
   std::optional<int32_t> rowBlockLength;
-  // Versions below 3: FileNr of each row record (0 when missing).
+  // Versions below 3: FileNr of each row record (0 when missing), and how
+  // many records are written (default: itemCount).
   std::vector<int16_t> fileNrs;
+  std::optional<int32_t> rowRecords;
   std::vector<SeriesSpec> series;
 };
 
