@@ -71,7 +71,8 @@ bool QVZRead::EnsureFileOpen() {
     m_systemErrorText = QString::fromLocal8Bit(std::strerror(m_systemError));
     return false;
   }
-  if (!m_file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+  if (!m_file.open(fd, QIODevice::ReadOnly | QIODevice::Unbuffered,
+                   QFileDevice::AutoCloseHandle)) {
     ::close(fd);
     m_systemError = static_cast<int>(m_file.error());
     m_systemErrorText = m_file.errorString();
@@ -79,7 +80,7 @@ bool QVZRead::EnsureFileOpen() {
   }
 #else
   m_file.setFileName(m_filename);
-  if (!m_file.open(QIODevice::ReadOnly)) {
+  if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
     m_systemError = static_cast<int>(m_file.error());
     m_systemErrorText = m_file.errorString();
     return false;
@@ -91,6 +92,7 @@ bool QVZRead::EnsureFileOpen() {
 
 void QVZRead::CloseDatabaseFile() {
   if (m_file.isOpen()) m_file.close();
+  m_window.clear();
 }
 
 void QVZRead::ReadInto(qint64 position, char* buffer, qint64 count) {
@@ -98,12 +100,56 @@ void QVZRead::ReadInto(qint64 position, char* buffer, qint64 count) {
   const qint64 offset = position - 1;
   const qint64 available = std::min(count, m_fileLength - offset);
   if (available <= 0 || offset < 0) return;
-  if (!m_file.seek(offset) || m_file.read(buffer, available) != available) {
-    m_readFailed = true;
-    m_systemError = static_cast<int>(m_file.error());
-    m_systemErrorText = m_file.errorString();
+  // Small reads come from a window of the file: the walk asks for many small
+  // headers close together, and one read serves several of them. Beyond the
+  // window it seeks, so the values between headers are never read.
+  if (offset < m_windowOffset || offset + available > m_windowOffset + m_window.size()) {
+    // A read far behind the last window means the stretches between reads are
+    // long (big series): then only the asked bytes are read.
+    const bool sparse = offset - (m_windowOffset + m_window.size()) > kReadWindow;
+    if (available >= kReadWindow || sparse) {
+      m_window.clear();
+      m_windowOffset = offset + available;  // the next gap counts from here
+      if (!ReadExact(offset, buffer, available)) ReadFailed();
+      return;
+    }
+    m_window.resize(std::min<qint64>(kReadWindow, m_fileLength - offset));
+    m_windowOffset = offset;
+    if (!ReadExact(offset, m_window.data(), m_window.size())) {
+      m_window.clear();
+      ReadFailed();
+      return;
+    }
   }
+  std::memcpy(buffer, m_window.constData() + (offset - m_windowOffset), static_cast<size_t>(available));
 }
+
+bool QVZRead::ReadExact(qint64 offset, char* buffer, qint64 count) {
+#ifdef Q_OS_UNIX
+  // One positioned read: the walk makes one call per series header.
+  const int fd = m_file.handle();
+  while (count > 0) {
+    const ssize_t got = ::pread(fd, buffer, static_cast<size_t>(count), static_cast<off_t>(offset));
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) {
+      m_systemError = got < 0 ? errno : EIO;
+      m_systemErrorText = QString::fromLocal8Bit(std::strerror(m_systemError));
+      return false;
+    }
+    buffer += got;
+    offset += got;
+    count -= got;
+  }
+  return true;
+#else
+  if (m_file.seek(offset) && m_file.read(buffer, count) == count) return true;
+  m_systemError = static_cast<int>(m_file.error());
+  m_systemErrorText = m_file.errorString();
+  return false;
+#endif
+}
+
+void QVZRead::ReadFailed() { m_readFailed = true; }
 
 QByteArray QVZRead::ReadAt(qint64 position, qint64 count) {
   QByteArray bytes(count, Qt::Uninitialized);

@@ -98,11 +98,18 @@ class QVZRead {
   // a damaged file falls short. A failing read sets m_readFailed.
   QByteArray ReadAt(qint64 position, qint64 count);
   void ReadInto(qint64 position, char* buffer, qint64 count);
+  // Reads exactly `count` bytes at the 0-based `offset`; false on a system error.
+  bool ReadExact(qint64 offset, char* buffer, qint64 count);
+  void ReadFailed();
 
   QString m_filename;
   QFile m_file;
   qint64 m_fileLength = 0;
   qint64 m_position = 1;  // the reader's 1-based position counter
+  // The last stretch of the file read for small reads (0-based offset).
+  static constexpr qint64 kReadWindow = 4096;
+  QByteArray m_window;
+  qint64 m_windowOffset = 0;
   DatabaseHeader m_header;
   std::array<ClassSlot, kMetricClassCount> m_classes;
   std::vector<int16_t> m_classOrder;
