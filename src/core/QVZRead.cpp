@@ -71,8 +71,7 @@ bool QVZRead::EnsureFileOpen() {
     m_systemErrorText = QString::fromLocal8Bit(std::strerror(m_systemError));
     return false;
   }
-  if (!m_file.open(fd, QIODevice::ReadOnly | QIODevice::Unbuffered,
-                   QFileDevice::AutoCloseHandle)) {
+  if (!m_file.open(fd, QIODevice::ReadOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle)) {
     ::close(fd);
     m_systemError = static_cast<int>(m_file.error());
     m_systemErrorText = m_file.errorString();
@@ -121,7 +120,8 @@ void QVZRead::ReadInto(qint64 position, char* buffer, qint64 count) {
       return;
     }
   }
-  std::memcpy(buffer, m_window.constData() + (offset - m_windowOffset), static_cast<size_t>(available));
+  std::memcpy(buffer, m_window.constData() + (offset - m_windowOffset),
+              static_cast<size_t>(available));
 }
 
 bool QVZRead::ReadExact(qint64 offset, char* buffer, qint64 count) {
@@ -181,8 +181,7 @@ bool QVZRead::ReadHeader(const QString& file, DatabaseHeader& header, bool showE
       const DatabaseHeader read = DatabaseHeader::Decode(bytes.constData());
       const double whole = std::trunc(static_cast<double>(read.Version));
       const QString versionMessage = QStringLiteral("Metrics database file version (") +
-                                     FormatSingle(read.Version) +
-                                     QStringLiteral(") not supported");
+                                     FormatSingle(read.Version) + QStringLiteral(") not supported");
       if (m_readFailed) {
         systemFailure = true;
       } else if (std::memcmp(read.Magic.data(), kQvzMagic, 8) != 0) {
@@ -272,10 +271,11 @@ bool QVZRead::ReadStructure() {
     // behind the last byte: the first block head reads as zeros and is too
     // short (version 3), or the series area cannot fit (older versions).
     // Nothing is sized by the claimed counts.
-    m_lastError = IsVersion3()
-                      ? QStringLiteral("Metrics database file too short. Possibly corrupted. "
-                                       "Reading byte: ") + QString::number(m_rowNamesStart)
-                      : QStringLiteral("Invalid file size.");
+    m_lastError = IsVersion3() ? QStringLiteral(
+                                     "Metrics database file too short. Possibly corrupted. "
+                                     "Reading byte: ") +
+                                     QString::number(m_rowNamesStart)
+                               : QStringLiteral("Invalid file size.");
     return false;
   }
 
@@ -292,9 +292,9 @@ bool QVZRead::ReadStructure() {
         return false;
       }
       if (m_position + block.Length >= m_fileLength) {
-        m_lastError = QStringLiteral(
-                          "Metrics database file too short. Possibly corrupted. Reading byte: ") +
-                      QString::number(head);
+        m_lastError =
+            QStringLiteral("Metrics database file too short. Possibly corrupted. Reading byte: ") +
+            QString::number(head);
         return false;
       }
       // RowNames are sized when the names are loaded: a version 3 file does
@@ -340,9 +340,9 @@ bool QVZRead::ReadClassRecords() {
     const TQVZMetricClass record = TQVZMetricClass::Decode(bytes);
     const QString prefix = QStringLiteral("TQVZMetricClass(") + QString::number(i);
     if (record.ClassNr < 0 || record.ClassNr >= kMetricClassCount) {
-      m_lastError = QStringLiteral("Metrics database file includes an unsupported metrics class: ") +
-                    prefix + QStringLiteral(").ClassNr = ") + QString::number(record.ClassNr) +
-                    QStringLiteral(".");
+      m_lastError =
+          QStringLiteral("Metrics database file includes an unsupported metrics class: ") + prefix +
+          QStringLiteral(").ClassNr = ") + QString::number(record.ClassNr) + QStringLiteral(".");
       return false;
     }
     if (record.ItemCount < 0) {
@@ -371,8 +371,8 @@ void QVZRead::ReadMetricIds() {
   if (!m_classTableInFile) {
     // Only the position is needed: the structure cannot be valid.
     for (int c = 0; c < kMetricClassCount; ++c)
-      m_position += static_cast<qint64>(m_entriesPerSlot[c]) * m_classes[c].SeriesCount16() *
-                    kMetricIdSize;
+      m_position +=
+          static_cast<qint64>(m_entriesPerSlot[c]) * m_classes[c].SeriesCount16() * kMetricIdSize;
     return;
   }
   for (const int16_t classNr : m_classOrder) {
@@ -383,7 +383,8 @@ void QVZRead::ReadMetricIds() {
     if (m_position - 1 + bytes <= m_fileLength) {
       const QByteArray ids = ReadAt(m_position, bytes);
       slot.MetricIds.resize(count);
-      for (int j = 0; j < count; ++j) slot.MetricIds[j] = GetInt32(ids.constData() + j * kMetricIdSize);
+      for (int j = 0; j < count; ++j)
+        slot.MetricIds[j] = GetInt32(ids.constData() + j * kMetricIdSize);
     }
     // A list that runs past the end of the file is not kept: the row area
     // then starts behind the last byte and the structure check refuses it.
@@ -468,9 +469,7 @@ QString QVZRead::DecodeText(const char* bytes, qsizetype size) const {
   return RightTrimBlanks(MultiByteToText(bytes, size, kCodepageAnsi));
 }
 
-QString QVZRead::Title() const {
-  return DecodeText(m_header.Title.data(), kTextFieldSize);
-}
+QString QVZRead::Title() const { return DecodeText(m_header.Title.data(), kTextFieldSize); }
 
 QString QVZRead::ProjectFilename() const {
   return DecodeText(m_header.ProjectFilename.data(), kTextFieldSize);

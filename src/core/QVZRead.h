@@ -19,14 +19,14 @@ struct ClassSlot {
   int32_t ClassNr = 0;
   int32_t SeriesCount = 0;  // as stored; SeriesCount16() is the count in use
   int32_t ItemCount = 0;
-  std::vector<RowRecord> RowRecords;      // versions below 3, filled with the row names
+  std::vector<RowRecord> RowRecords;  // versions below 3, filled with the row names
   std::vector<int32_t> MetricIds;
-  std::vector<qint64> SeriesPositions;    // 1-based position of each SeriesHeader
-  std::vector<bool> SeriesUsable;         // false when the ValueKind is above 4
+  std::vector<qint64> SeriesPositions;  // 1-based position of each SeriesHeader
+  std::vector<bool> SeriesUsable;       // false when the ValueKind is above 4
   std::vector<SeriesHeader> SeriesHeaders;
   bool HeadersLoaded = false;
   QStringList RowNames;
-  std::vector<int32_t> RowOrder;          // display order: 1-based indices into RowNames
+  std::vector<int32_t> RowOrder;  // display order: 1-based indices into RowNames
   bool RowNamesLoaded = false;
 
   // Only the low 16 bits of the stored count are used, as a signed number; a

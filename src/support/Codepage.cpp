@@ -37,7 +37,8 @@ QString MultiByteToText(const char* data, qsizetype size, int codepage) {
   if (codepage == kCodepageUtf8) return QString::fromUtf8(data, size);
   QString text(size, Qt::Uninitialized);
   QChar* out = text.data();
-  for (qsizetype i = 0; i < size; ++i) out[i] = QChar(kToUnicode[static_cast<unsigned char>(data[i])]);
+  for (qsizetype i = 0; i < size; ++i)
+    out[i] = QChar(kToUnicode[static_cast<unsigned char>(data[i])]);
   return text;
 }
 

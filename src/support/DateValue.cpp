@@ -22,7 +22,9 @@ qint64 DaysFromCivil(qint64 y, qint64 m, qint64 d) {
 // 1899-12-30 counted from 1970-01-01.
 const qint64 kEpochFromUnix = DaysFromCivil(1899, 12, 30);
 
-qint64 FloorDiv(qint64 a, qint64 b) { return a / b - ((a % b != 0) && ((a < 0) != (b < 0)) ? 1 : 0); }
+qint64 FloorDiv(qint64 a, qint64 b) {
+  return a / b - ((a % b != 0) && ((a < 0) != (b < 0)) ? 1 : 0);
+}
 
 // A count of whole days and a time fraction as one date value.
 double Combine(qint64 days, double fraction) {

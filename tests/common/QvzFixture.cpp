@@ -19,10 +19,18 @@ void AppendLittle(QByteArray& out, U value) {
 constexpr int kChecksumOffset = 230;
 }  // namespace
 
-void AppendInt16(QByteArray& out, int16_t value) { AppendLittle(out, static_cast<uint16_t>(value)); }
-void AppendInt32(QByteArray& out, int32_t value) { AppendLittle(out, static_cast<uint32_t>(value)); }
-void AppendFloat(QByteArray& out, float value) { AppendLittle(out, std::bit_cast<uint32_t>(value)); }
-void AppendDouble(QByteArray& out, double value) { AppendLittle(out, std::bit_cast<uint64_t>(value)); }
+void AppendInt16(QByteArray& out, int16_t value) {
+  AppendLittle(out, static_cast<uint16_t>(value));
+}
+void AppendInt32(QByteArray& out, int32_t value) {
+  AppendLittle(out, static_cast<uint32_t>(value));
+}
+void AppendFloat(QByteArray& out, float value) {
+  AppendLittle(out, std::bit_cast<uint32_t>(value));
+}
+void AppendDouble(QByteArray& out, double value) {
+  AppendLittle(out, std::bit_cast<uint64_t>(value));
+}
 
 QByteArray Padded(const QByteArray& text, int size, char pad) {
   return text.left(size).leftJustified(size, pad);
@@ -38,10 +46,18 @@ SeriesSpec SeriesSpec::Stored(int32_t metricId, uint8_t kind, const std::vector<
   for (double v : values) {
     sum += v;
     switch (kind) {
-      case 0: AppendDouble(s.values, v); break;
-      case 1: AppendInt32(s.values, static_cast<int32_t>(v)); break;
-      case 2: AppendInt16(s.values, static_cast<int16_t>(v)); break;
-      default: s.values.append(static_cast<char>(static_cast<uint8_t>(v))); break;
+      case 0:
+        AppendDouble(s.values, v);
+        break;
+      case 1:
+        AppendInt32(s.values, static_cast<int32_t>(v));
+        break;
+      case 2:
+        AppendInt16(s.values, static_cast<int16_t>(v));
+        break;
+      default:
+        s.values.append(static_cast<char>(static_cast<uint8_t>(v)));
+        break;
     }
   }
   if (!values.empty()) {
@@ -110,8 +126,8 @@ QByteArray QvzFixture::Build(FixtureLayout* layout) const {
       QByteArray text;
       for (int i = 0; i < c.rowNames.size(); ++i) {
         if (i > 0) text.append('\0');
-        text += (encoding & 2) ? c.rowNames[i].toUtf8()
-                               : TextToMultiByte(c.rowNames[i], kCodepageAnsi);
+        text +=
+            (encoding & 2) ? c.rowNames[i].toUtf8() : TextToMultiByte(c.rowNames[i], kCodepageAnsi);
       }
       AppendInt32(out, c.rowBlockLength.value_or(static_cast<int32_t>(text.size())));
       AppendInt32(out, text.isEmpty() ? 0 : encoding);

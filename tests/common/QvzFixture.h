@@ -80,7 +80,7 @@ class QvzFixture {
   std::optional<int16_t> classCount;            // default: number of classes
   std::optional<QByteArray> checksum;           // default: the correct one
   std::vector<ClassSpec> classes;
-  QByteArray trailing;                          // extra bytes after the series
+  QByteArray trailing;  // extra bytes after the series
 
   ClassSpec& AddClass(int32_t classNr, int32_t itemCount);
 

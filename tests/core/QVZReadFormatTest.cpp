@@ -12,32 +12,45 @@ QByteArray Hex(const char* hex) { return QByteArray::fromHex(hex); }
 
 TEST(QVZReadFormat, ClassRecordAndBlockHeadAreThreeLittleEndianIntegers) {
   const TQVZMetricClass record{1, 3, 0x01020304};
-  EXPECT_EQ(record.Encode(), Hex("01000000" "03000000" "04030201"));
-  const TQVZMetricClass back = TQVZMetricClass::Decode(Hex("04000000" "ffff0100" "feffffff").constData());
+  EXPECT_EQ(record.Encode(), Hex("01000000"
+                                 "03000000"
+                                 "04030201"));
+  const TQVZMetricClass back = TQVZMetricClass::Decode(Hex("04000000"
+                                                           "ffff0100"
+                                                           "feffffff")
+                                                           .constData());
   EXPECT_EQ(back.ClassNr, 4);
   EXPECT_EQ(back.SeriesCount, 0x0001FFFF);
   EXPECT_EQ(back.ItemCount, -2);
   const RowBlockHead head{0x10, 2, 0};
-  EXPECT_EQ(head.Encode(), Hex("10000000" "02000000" "00000000"));
+  EXPECT_EQ(head.Encode(), Hex("10000000"
+                               "02000000"
+                               "00000000"));
 }
 
 TEST(QVZReadFormat, SeriesHeaderBytes) {
   SeriesHeader s;
   s.Count = 5;
-  s.Mean = 7.0;     // 40 1C 00 00 00 00 00 00
-  s.StdDev = 0.5;   // 3F E0 ...
-  s.Min = -1.0;     // BF F0 ...
-  s.Max = 2.0;      // 40 00 ...
-  s.Median = 1.0;   // 3F F0 ...
-  s.Q5 = 0.25;      // 3F D0 ...
-  s.Q95 = 1.5;      // 3F F8 ...
+  s.Mean = 7.0;    // 40 1C 00 00 00 00 00 00
+  s.StdDev = 0.5;  // 3F E0 ...
+  s.Min = -1.0;    // BF F0 ...
+  s.Max = 2.0;     // 40 00 ...
+  s.Median = 1.0;  // 3F F0 ...
+  s.Q5 = 0.25;     // 3F D0 ...
+  s.Q95 = 1.5;     // 3F F8 ...
   s.ValueSize = 1;
   s.ValueKind = 3;
-  const QByteArray expected = Hex(
-      "05000000"
-      "0000000000001c40" "000000000000e03f" "000000000000f0bf" "0000000000000040"
-      "000000000000f03f" "000000000000d03f" "000000000000f83f"
-      "0103" "0000000000000000000000000000");
+  const QByteArray expected =
+      Hex("05000000"
+          "0000000000001c40"
+          "000000000000e03f"
+          "000000000000f0bf"
+          "0000000000000040"
+          "000000000000f03f"
+          "000000000000d03f"
+          "000000000000f83f"
+          "0103"
+          "0000000000000000000000000000");
   ASSERT_EQ(expected.size(), kSeriesHeaderSize);
   EXPECT_EQ(s.Encode(), expected);
   const SeriesHeader back = SeriesHeader::Decode(expected.constData());
@@ -53,7 +66,7 @@ TEST(QVZReadFormat, EffectiveValueSizeAndUsability) {
     uint8_t size, kind;
     int effective;
     bool usable;
-  } cases[] = {{0, 0, 8, true}, {8, 0, 8, true}, {4, 1, 4, true}, {2, 2, 2, true},
+  } cases[] = {{0, 0, 8, true}, {8, 0, 8, true}, {4, 1, 4, true},  {2, 2, 2, true},
                {1, 3, 1, true}, {0, 4, 0, true}, {3, 9, 3, false}, {0, 5, 0, false}};
   for (const auto& c : cases) {
     SeriesHeader s;

@@ -31,14 +31,16 @@ TEST(Codepage, AnsiEncodingReplacesMissingCharactersWithQuestionMark) {
     QString text;
     QByteArray bytes;
   } cases[] = {
-      {QStringLiteral("Caf\u00E9 \u20AC5"), QByteArray("Caf\xE9 \x80" "5")},
+      {QStringLiteral("Caf\u00E9 \u20AC5"), QByteArray("Caf\xE9 \x80"
+                                                       "5")},
       {QStringLiteral("\u201Cq\u201D \u2122"), QByteArray("\x93q\x94 \x99")},
       {QStringLiteral("a\u4E2Db"), QByteArray("a?b")},
       {QStringLiteral("x\U0001F600y"), QByteArray("x?y")},  // a surrogate pair is one character
       {QStringLiteral("\u0100"), QByteArray("?")},
       {QString(), QByteArray()},
   };
-  for (const auto& c : cases) EXPECT_EQ(TextToMultiByte(c.text, kCodepageAnsi), c.bytes) << c.text.toStdString();
+  for (const auto& c : cases)
+    EXPECT_EQ(TextToMultiByte(c.text, kCodepageAnsi), c.bytes) << c.text.toStdString();
 }
 
 TEST(Codepage, Utf8BothWays) {

@@ -21,7 +21,8 @@ TEST(DateValue, ParseTimestamp14) {
       {" 20240131235959", 0.0},
       {"", 0.0},
   };
-  for (const auto& c : cases) EXPECT_EQ(ParseTimestamp14(QString::fromLatin1(c.text)), c.expected) << c.text;
+  for (const auto& c : cases)
+    EXPECT_EQ(ParseTimestamp14(QString::fromLatin1(c.text)), c.expected) << c.text;
 }
 
 TEST(DateValue, TimestampOutOfRangeFieldsRollOver) {

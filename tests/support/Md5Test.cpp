@@ -21,7 +21,8 @@ TEST(Md5, KnownDigestsOfRfc1321TestSuite) {
        "57EDF4A22BE3C955AC49DA2E2107B67A"},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(MD5::DigestStrToHexStr(QString::fromLatin1(c.text)).toStdString(), c.digest) << c.text;
+    EXPECT_EQ(MD5::DigestStrToHexStr(QString::fromLatin1(c.text)).toStdString(), c.digest)
+        << c.text;
     EXPECT_EQ(MD5::DigestBytesToHexStr(QByteArray(c.text)).toStdString(), c.digest) << c.text;
   }
 }
