@@ -7,6 +7,7 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 
+#include "support/Codepage.h"
 #include "support/Filename.h"
 #include "support/UiServices.h"
 
@@ -66,6 +67,10 @@ bool WriteWholeFile(const QString& path, const QByteArray& bytes) {
 }
 
 }  // namespace
+
+bool SaveTextFile(const QString& path, const QString& text) {
+  return WriteWholeFile(path, TextToMultiByte(text, kCodepageAnsi));
+}
 
 bool SaveUnicodeFile(const QString& path, const QString& text) {
   QByteArray bytes;

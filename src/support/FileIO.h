@@ -16,6 +16,8 @@ namespace ombrelle {
 // file under the final name and an old file stays as it was. Messages use the
 // exclamation style; the result tells whether the file was written.
 
+// `text` as Windows-1252 bytes; characters that code page lacks become "?".
+bool SaveTextFile(const QString& path, const QString& text);
 // `text` as UTF-16 little-endian with a byte-order mark.
 bool SaveUnicodeFile(const QString& path, const QString& text);
 bool SaveBinaryFile(const QString& path, const QByteArray& bytes);

@@ -8,6 +8,8 @@
 #include <QDate>
 #include <QLocale>
 
+#include "support/DateValue.h"
+
 namespace ombrelle {
 
 namespace {
@@ -97,10 +99,6 @@ QString ShortWholeNumber(double value) {
 // Decimals of code 10 for a value of magnitude m below 0.
 int SizeDecimals(int magnitude) { return 2 * (-magnitude / 2) + 2; }
 
-QDate DateOf(double date) {
-  return QDate(1899, 12, 30).addDays(static_cast<qint64>(std::trunc(date)));
-}
-
 // Dates further out than the calendar of this program goes read as numbers.
 bool DateInRange(double date) { return std::isfinite(date) && std::fabs(date) < 3e6; }
 
@@ -176,7 +174,7 @@ QString FormatDateShort(double date) {
     if (!pattern.contains(QLatin1String("yyyy")))
       pattern.replace(QLatin1String("yy"), QLatin1String("yyyy"));
   }
-  return QLocale().toString(DateOf(date), pattern);
+  return QLocale().toString(DateToQDate(date), pattern);
 }
 
 QString FormatMetric(int format, double value) {
@@ -230,7 +228,7 @@ QString FormatMetricPlain(int format, double value) {
       return RoundDecimal(value, 1);
     case 9:
       if (!DateInRange(value)) return GeneralNumber(value);
-      return QLocale().toString(DateOf(value), QLocale::ShortFormat);
+      return QLocale().toString(DateToQDate(value), QLocale::ShortFormat);
     case 10: {
       const int m = OrderOfMagnitude(value);
       if (m < 0) return RoundDecimal(value, SizeDecimals(m));

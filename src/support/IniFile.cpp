@@ -9,6 +9,8 @@
 #include <QSaveFile>
 #include <QStringDecoder>
 
+#include "support/Codepage.h"
+
 namespace ombrelle {
 
 namespace {
@@ -44,38 +46,10 @@ bool ParseEntryLine(const QString& line, QString& key, QString& value) {
   return true;
 }
 
-// Windows-1252 as read here: the 0x80-0x9F row differs from Latin-1.
-constexpr char16_t kAnsiHigh[32] = {0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD,
-                                    0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
-
-QString AnsiToText(const QByteArray& bytes) {
-  QString text;
-  text.reserve(bytes.size());
-  for (const char b : bytes) {
-    const auto u = static_cast<unsigned char>(b);
-    text += QChar(u >= 0x80 && u < 0xA0 ? kAnsiHigh[u - 0x80] : char16_t(u));
-  }
-  return text;
-}
-
 // Windows-1252 bytes, or nothing when a character has no byte there.
 std::optional<QByteArray> TextToAnsi(const QString& text) {
-  QByteArray bytes;
-  bytes.reserve(text.size());
-  for (const QChar c : text) {
-    const char16_t u = c.unicode();
-    if (u < 0x80 || (u >= 0xA0 && u < 0x100)) {
-      bytes += static_cast<char>(u);
-      continue;
-    }
-    int found = -1;
-    for (int i = 0; i < 32; ++i)
-      if (kAnsiHigh[i] == u && u != 0xFFFD) found = i;
-    if (found < 0) return std::nullopt;
-    bytes += static_cast<char>(0x80 + found);
-  }
+  QByteArray bytes = TextToMultiByte(text, kCodepageAnsi);
+  if (MultiByteToText(bytes, kCodepageAnsi) != text) return std::nullopt;
   return bytes;
 }
 
@@ -122,7 +96,7 @@ bool IniFile::Load(const QString& path) {
     QStringDecoder utf8(QStringDecoder::Utf8);
     text = utf8.decode(bytes);
     if (utf8.hasError()) {
-      text = AnsiToText(bytes);
+      text = MultiByteToText(bytes, kCodepageAnsi);
     } else {
       const bool ascii =
           std::all_of(bytes.begin(), bytes.end(), [](char b) { return (b & 0x80) == 0; });

@@ -59,6 +59,10 @@ TEST(WholeFileWriters, WriteExactBytes) {
                                              "A\0\xE9\0\xAC\x20\r\0\n\0",
                                              12));
 
+  const QString ansiPath = dir.path() + "/a.txt";
+  ASSERT_TRUE(SaveTextFile(ansiPath, QString::fromUtf8("Caf\u00e9 \u20ac \u0416\r\n")));
+  EXPECT_EQ(ReadAll(ansiPath), "Caf\xE9 \x80 ?\r\n");
+
   const QString binaryPath = dir.path() + "/b.bin";
   const QByteArray bytes("\0\1\2\xFF", 4);
   ASSERT_TRUE(SaveBinaryFile(binaryPath, bytes));
@@ -66,13 +70,16 @@ TEST(WholeFileWriters, WriteExactBytes) {
   // An existing file is replaced whole.
   ASSERT_TRUE(SaveBinaryFile(binaryPath, "z"));
   EXPECT_EQ(ReadAll(binaryPath), "z");
-  EXPECT_EQ(FolderEntries(dir.path()), QStringList({"b.bin", "u.txt"}));
+  EXPECT_EQ(FolderEntries(dir.path()), QStringList({"a.txt", "b.bin", "u.txt"}));
   EXPECT_TRUE(scripted.ui.messages.empty());
 }
 
 TEST(WholeFileWriters, RefusalsAndTheirMessages) {
   ScopedScriptedUi scripted;
   QTemporaryDir dir;
+  EXPECT_FALSE(SaveTextFile("relative.txt", "x"));
+  EXPECT_UI_MESSAGE(scripted.ui, 0, "Error saving to relative.txt\r\nPath not absolute.", 48);
+  scripted.ui.messages.clear();
   EXPECT_FALSE(SaveBinaryFile("relative.bin", "x"));
   EXPECT_ONLY_UI_MESSAGE(scripted.ui, "Error saving to relative.bin\r\nPath not absolute.", 48);
 
