@@ -85,7 +85,7 @@ bool RecycleFile(const QString& path, bool undo, bool /*silent*/) {
 }
 
 bool CreateFolderPath(const QString& path) {
-  const QString title;
+  const QString title;  // the application title
   if (!IsAbsolutePath(path)) {
     Ui().MsgBox(QStringLiteral("Cannot create directory:") + kCrLf + path, MsgStyle::Exclamation,
                 title);

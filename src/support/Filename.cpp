@@ -1,5 +1,7 @@
 #include "support/Filename.h"
 
+#include <algorithm>
+
 #include <QDir>
 #include <QStringList>
 

@@ -1,5 +1,6 @@
 #include "support/IniFile.h"
 
+#include <algorithm>
 #include <limits>
 
 #include <QCoreApplication>
