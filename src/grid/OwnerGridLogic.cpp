@@ -357,7 +357,7 @@ void OwnerGridLogic::ScrollBy(Bar bar, int amount) {
   if (bar == Bar::Vertical)
     WriteTopValue(value);
   else
-    WriteLeftColumn((value - sb.minimum) * m_hScale + sb.minimum);
+    WriteLeftValue(value);
 }
 
 // ---- input ----------------------------------------------------------------
@@ -462,13 +462,7 @@ void OwnerGridLogic::OnScrollBar(Bar bar, int value) {
   if (bar == Bar::Vertical) {
     WriteTopValue(value);
   } else {
-    const int clamped = std::clamp(value, m_hScroll.minimum, m_hScroll.maximum);
-    if (clamped == m_hScroll.value) return;
-    m_hScroll.value = clamped;
-    if (m_host) {
-      m_host->ScrollBarsChanged();
-      m_host->RepaintAll();
-    }
+    WriteLeftValue(value);
   }
 }
 
@@ -506,7 +500,10 @@ bool OwnerGridLogic::WriteTopValue(int value) {
 bool OwnerGridLogic::WriteTopRow(int row) { return WriteTopValue((row - 1) / m_vScale + 1); }
 
 bool OwnerGridLogic::WriteLeftColumn(int column) {
-  int value = (column - m_hScroll.minimum) / m_hScale + m_hScroll.minimum;
+  return WriteLeftValue((column - m_hScroll.minimum) / m_hScale + m_hScroll.minimum);
+}
+
+bool OwnerGridLogic::WriteLeftValue(int value) {
   value = std::clamp(value, m_hScroll.minimum, std::max(m_hScroll.minimum, m_hScroll.maximum));
   if (value == m_hScroll.value) return false;
   m_hScroll.value = value;
@@ -585,17 +582,7 @@ bool OwnerGridLogic::MakeVisible(int row, int column) {
     const int minimum = m_hScroll.minimum;
     int rounded = minimum + CeilDiv(left - minimum, m_hScale) * m_hScale;
     if (rounded > column) rounded = minimum + (left - minimum) / m_hScale * m_hScale;
-    // Written as a bar value directly: the rounding above must not be undone.
-    int value = (rounded - minimum) / m_hScale + minimum;
-    value = std::clamp(value, minimum, std::max(minimum, m_hScroll.maximum));
-    if (value != m_hScroll.value) {
-      m_hScroll.value = value;
-      if (m_host) {
-        m_host->ScrollBarsChanged();
-        m_host->RepaintAll();
-      }
-      scrolled = true;
-    }
+    scrolled = WriteLeftValue((rounded - minimum) / m_hScale + minimum) || scrolled;
   }
   return scrolled;
 }
@@ -617,7 +604,9 @@ void OwnerGridLogic::PlaceScrollBars() {
   }
   m_hScroll.minimum = m_fixedColumns + 1;
   if (last > m_hScroll.minimum && last > 1) {
-    m_hScroll.maximum = (last - m_hScroll.minimum) / m_hScale + m_hScroll.minimum;
+    // Rounded up, so that with several columns a step the end still comes
+    // into view; with one column a step this is the plain quotient.
+    m_hScroll.maximum = CeilDiv(last - m_hScroll.minimum, m_hScale) + m_hScroll.minimum;
     m_hScroll.visible = true;
   } else {
     m_hScroll.maximum = m_hScroll.minimum;

@@ -190,6 +190,7 @@ class OwnerGridLogic {
   bool WriteTopValue(int value);
   bool WriteTopRow(int row);
   bool WriteLeftColumn(int column);
+  bool WriteLeftValue(int value);
   void ScrollBy(Bar bar, int amount);
   void PaintCellAt(int row, int column);
   void RepaintHeader();

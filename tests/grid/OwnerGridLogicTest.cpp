@@ -72,6 +72,32 @@ TEST_F(OwnerGridScroll, HundredThousandRowsScrollInStepsOfFour) {
   }
 }
 
+TEST_F(OwnerGridScroll, AllColumnsScrollInStepsOfNineAndReachTheLast) {
+  host.size = QSize(1200, 300);  // 1184 pixels hold 11 columns
+  grid->SetColumns(262144);
+  ASSERT_EQ(grid->HScale(), 9);
+  // Columns 262134..262144 fit at the end: ceiling(262133 / 9) + 1.
+  EXPECT_EQ(grid->HScroll().maximum, 29127);
+  struct Case {
+    int column;
+    int left;  // always 1 + a multiple of 9
+  };
+  const std::vector<Case> cases = {
+      {262144, 262135},  // 262134 fits, rounded up to a step
+      {100000, 100000},  // leftward: 1 + (99999 / 9) * 9
+      {100010, 100000},  // in view
+      {100011, 100009},  // 100001 fits first, rounded up
+      {1, 1},
+  };
+  for (const Case& c : cases) {
+    grid->PlaceCursor(1, c.column);
+    const OwnerGridLogic::Range range = grid->VisibleRange(false);
+    EXPECT_EQ(grid->LeftColumn(), c.left) << c.column;
+    EXPECT_LE(range.left, c.column) << c.column;
+    EXPECT_GE(range.right, c.column) << c.column;
+  }
+}
+
 TEST_F(OwnerGridScroll, MouseScrollMovesTheBarWithinItsEndsAndNotTheCursor) {
   SizeForRows(10);
   grid->SetRows(1000);
