@@ -2,11 +2,11 @@
 // (items_per_second) and cells asked of the owner per frame.
 #include <cstdlib>
 
+#include <benchmark/benchmark.h>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QRegion>
-#include <benchmark/benchmark.h>
 
 #include "grid/OwnerGridEvents.h"
 #include "grid/OwnerGridHost.h"

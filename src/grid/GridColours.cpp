@@ -10,32 +10,52 @@ namespace {
 // Fixed values for runs without a palette; window white and text black.
 QColor FallbackSystemColour(int index) {
   switch (index) {
-    case 5: return QColor(255, 255, 255);
-    case 8: return QColor(0, 0, 0);
-    case 13: return QColor(0, 120, 215);
-    case 14: return QColor(255, 255, 255);
-    case 15: return QColor(240, 240, 240);
-    case 16: return QColor(160, 160, 160);
-    case 17: return QColor(109, 109, 109);
-    case 18: return QColor(0, 0, 0);
-    case 20: return QColor(255, 255, 255);
-    default: return QColor(0, 0, 0);
+    case 5:
+      return QColor(255, 255, 255);
+    case 8:
+      return QColor(0, 0, 0);
+    case 13:
+      return QColor(0, 120, 215);
+    case 14:
+      return QColor(255, 255, 255);
+    case 15:
+      return QColor(240, 240, 240);
+    case 16:
+      return QColor(160, 160, 160);
+    case 17:
+      return QColor(109, 109, 109);
+    case 18:
+      return QColor(0, 0, 0);
+    case 20:
+      return QColor(255, 255, 255);
+    default:
+      return QColor(0, 0, 0);
   }
 }
 
 QColor PaletteColour(int index) {
   const QPalette palette = QGuiApplication::palette();
   switch (index) {
-    case 5: return palette.color(QPalette::Active, QPalette::Base);
-    case 8: return palette.color(QPalette::Active, QPalette::Text);
-    case 13: return palette.color(QPalette::Active, QPalette::Highlight);
-    case 14: return palette.color(QPalette::Active, QPalette::HighlightedText);
-    case 15: return palette.color(QPalette::Active, QPalette::Button);
-    case 16: return palette.color(QPalette::Active, QPalette::Dark);
-    case 17: return palette.color(QPalette::Disabled, QPalette::Text);
-    case 18: return palette.color(QPalette::Active, QPalette::ButtonText);
-    case 20: return palette.color(QPalette::Active, QPalette::Light);
-    default: return FallbackSystemColour(index);
+    case 5:
+      return palette.color(QPalette::Active, QPalette::Base);
+    case 8:
+      return palette.color(QPalette::Active, QPalette::Text);
+    case 13:
+      return palette.color(QPalette::Active, QPalette::Highlight);
+    case 14:
+      return palette.color(QPalette::Active, QPalette::HighlightedText);
+    case 15:
+      return palette.color(QPalette::Active, QPalette::Button);
+    case 16:
+      return palette.color(QPalette::Active, QPalette::Dark);
+    case 17:
+      return palette.color(QPalette::Disabled, QPalette::Text);
+    case 18:
+      return palette.color(QPalette::Active, QPalette::ButtonText);
+    case 20:
+      return palette.color(QPalette::Active, QPalette::Light);
+    default:
+      return FallbackSystemColour(index);
   }
 }
 

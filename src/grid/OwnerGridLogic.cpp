@@ -52,20 +52,30 @@ int TextHeight(const QFont& font) {
 
 int GridKeyFromQt(int qtKey, Qt::KeyboardModifiers modifiers) {
   switch (qtKey) {
-    case Qt::Key_PageUp: return GridKey::PageUp;
-    case Qt::Key_PageDown: return GridKey::PageDown;
-    case Qt::Key_End: return GridKey::End;
-    case Qt::Key_Home: return GridKey::Home;
-    case Qt::Key_Left: return GridKey::Left;
-    case Qt::Key_Up: return GridKey::Up;
-    case Qt::Key_Right: return GridKey::Right;
-    case Qt::Key_Down: return GridKey::Down;
-    case Qt::Key_Menu: return GridKey::ContextMenu;
+    case Qt::Key_PageUp:
+      return GridKey::PageUp;
+    case Qt::Key_PageDown:
+      return GridKey::PageDown;
+    case Qt::Key_End:
+      return GridKey::End;
+    case Qt::Key_Home:
+      return GridKey::Home;
+    case Qt::Key_Left:
+      return GridKey::Left;
+    case Qt::Key_Up:
+      return GridKey::Up;
+    case Qt::Key_Right:
+      return GridKey::Right;
+    case Qt::Key_Down:
+      return GridKey::Down;
+    case Qt::Key_Menu:
+      return GridKey::ContextMenu;
     case Qt::Key_Plus:
       return (modifiers & Qt::KeypadModifier) ? GridKey::KeypadPlus : int('+');
     case Qt::Key_Minus:
       return (modifiers & Qt::KeypadModifier) ? GridKey::KeypadMinus : int('-');
-    default: break;
+    default:
+      break;
   }
   if (qtKey >= Qt::Key_F1 && qtKey <= Qt::Key_F24) return 0x70 + (qtKey - Qt::Key_F1);
   // Letters and digits share their codes.

@@ -145,6 +145,9 @@ void OwnerGridLogic::DrawBody(QPainter& painter, const QRegion& clip) {
     Line(painter, 0, paintHeight - 1, paintWidth - 1, paintHeight - 1, SysColour::ButtonShadow);
 }
 
+// State 1 paints the highlight of the cursor's cell or of a fixed cell in its
+// row; state 0 paints on a background that is already right. A highlight is
+// taken away by painting the cell's region again from a fresh background.
 void OwnerGridLogic::PaintCell(QPainter& painter, const QRegion& clip, int row, int column,
                                int state, int x, int y, int height) {
   if (row < 1 || row > m_rows || column < 1 || column > m_columns) return;
@@ -157,22 +160,11 @@ void OwnerGridLogic::PaintCell(QPainter& painter, const QRegion& clip, int row, 
 
   const QRect box = Box(x + 1, y + 1, x + width - 2, y + height - 2);
   const bool fixed = column <= m_fixedColumns;
-  if (state != 0) {
-    const QRect grown = box.adjusted(-1, -1, 1, 1);
-    if (!fixed)
-      Outline(painter, grown, state == -1 ? m_backColor : quint32(SysColour::ButtonShadow));
-    quint32 fill;
-    if (state == 1)
-      fill = fixed ? m_highlightBackColor : m_cursorBackColor;
-    else
-      fill = fixed ? m_headerBackColor : m_backColor;
+  if (state == 1) {
+    if (!fixed) Outline(painter, box.adjusted(-1, -1, 1, 1), SysColour::ButtonShadow);
+    const quint32 fill = fixed ? m_highlightBackColor : m_cursorBackColor;
     // The first two fixed columns read as one band with no gap.
-    if (m_fixedColumns >= 2 && column == 1)
-      Fill(painter, box.adjusted(0, 0, 2, 0), fill);
-    else if (fixed || state == 1)
-      Fill(painter, box, fill);
-    else
-      Fill(painter, grown, fill);
+    Fill(painter, m_fixedColumns >= 2 && column == 1 ? box.adjusted(0, 0, 2, 0) : box, fill);
   }
   if (text.isEmpty()) return;
 

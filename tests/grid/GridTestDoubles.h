@@ -46,6 +46,7 @@ class RecordingOwner : public OwnerGridEvents {
   void DataRequest(int row, int column, QString& text, quint32& colour) override {
     ++dataRequests;
     requested.emplace_back(row, column);
+    colours.push_back(colour);
     text = QStringLiteral("r%1c%2").arg(row).arg(column);
     if (row == redRow && column == redColumn) colour = 255;
   }
@@ -53,9 +54,7 @@ class RecordingOwner : public OwnerGridEvents {
     Log("KeyDown " + std::to_string(keyCode) + " " + std::to_string(shift));
     if (swallowKeys) keyCode = 0;
   }
-  void KeyPress(QChar character) override {
-    Log("KeyPress " + QString(character).toStdString());
-  }
+  void KeyPress(QChar character) override { Log("KeyPress " + QString(character).toStdString()); }
   void KeyUp(int keyCode, int shift) override {
     Log("KeyUp " + std::to_string(keyCode) + " " + std::to_string(shift));
   }
@@ -80,6 +79,7 @@ class RecordingOwner : public OwnerGridEvents {
   static constexpr int kKeep = 1 << 30;
   std::vector<std::string> events;
   std::vector<std::pair<int, int>> requested;
+  std::vector<quint32> colours;  // as they came in, beside `requested`
   int dataRequests = 0;
   int redRow = -1;
   int redColumn = -1;

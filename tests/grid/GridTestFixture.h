@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include <QFont>
 #include <gtest/gtest.h>
+#include <QFont>
 
 #include "grid/GridTestDoubles.h"
 #include "grid/OwnerGridLogic.h"

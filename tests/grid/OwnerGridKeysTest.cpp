@@ -29,9 +29,9 @@ TEST_F(OwnerGridKeys, EveryKeyAloneAndWithCtrlOrAlt) {
     const char* name;
     int key;
     int shift;
-    int row, column;  // cursor afterwards
-    int sort;         // SortColumn afterwards
-    std::string last; // last event raised, when not an Enter event
+    int row, column;   // cursor afterwards
+    int sort;          // SortColumn afterwards
+    std::string last;  // last event raised, when not an Enter event
     int startRow = 50;
     int startColumn = 7;
     int startSort = 0;
@@ -73,10 +73,12 @@ TEST_F(OwnerGridKeys, EveryKeyAloneAndWithCtrlOrAlt) {
       {"plus", GridKey::KeypadPlus, kNone, 50, 7, 7, "SortBy 7"},
       {"Ctrl+plus", GridKey::KeypadPlus, kCtrl, 50, 7, 7, "SortBy 7"},
       {"plus on the ascending column", GridKey::KeypadPlus, kNone, 50, 7, 0, "SortBy 0", 50, 7, 7},
-      {"plus on the descending column", GridKey::KeypadPlus, kNone, 50, 7, 7, "SortBy 7", 50, 7, -7},
+      {"plus on the descending column", GridKey::KeypadPlus, kNone, 50, 7, 7, "SortBy 7", 50, 7,
+       -7},
       {"minus", GridKey::KeypadMinus, kNone, 50, 7, -7, "SortBy -7"},
       {"Alt+minus", GridKey::KeypadMinus, kAlt, 50, 7, -7, "SortBy -7"},
-      {"minus on the descending column", GridKey::KeypadMinus, kNone, 50, 7, 0, "SortBy 0", 50, 7, -7},
+      {"minus on the descending column", GridKey::KeypadMinus, kNone, 50, 7, 0, "SortBy 0", 50, 7,
+       -7},
       {"minus on another column", GridKey::KeypadMinus, kNone, 50, 7, -7, "SortBy -7", 50, 7, 3},
       {"context menu", GridKey::ContextMenu, kNone, 50, 7, 0, "Popup 50 7"},
       {"Ctrl+context menu", GridKey::ContextMenu, kCtrl, 50, 7, 0, "Popup 50 7"},
@@ -109,8 +111,8 @@ TEST_F(OwnerGridKeys, WithoutSortableOrWithAutoPopupTheirKeysDoNothing) {
   owner.events.clear();
   for (int key : {GridKey::KeypadPlus, GridKey::KeypadMinus, GridKey::ContextMenu})
     grid->OnKeyDown(key, 0);
-  EXPECT_EQ(owner.events, (std::vector<std::string>{"KeyDown 107 0", "KeyDown 109 0",
-                                                    "KeyDown 93 0"}));
+  EXPECT_EQ(owner.events,
+            (std::vector<std::string>{"KeyDown 107 0", "KeyDown 109 0", "KeyDown 93 0"}));
   EXPECT_EQ(grid->SortColumn(), 0);
 }
 
@@ -135,7 +137,8 @@ TEST(OwnerGridKeyCodes, QtKeysMapToTheGridsCodes) {
       {Qt::Key_Home, Qt::NoModifier, GridKey::Home, 0},
       {Qt::Key_End, Qt::ControlModifier, GridKey::End, kCtrl},
       {Qt::Key_PageUp, Qt::AltModifier, GridKey::PageUp, kAlt},
-      {Qt::Key_PageDown, Qt::ShiftModifier | Qt::ControlModifier, GridKey::PageDown, kShift | kCtrl},
+      {Qt::Key_PageDown, Qt::ShiftModifier | Qt::ControlModifier, GridKey::PageDown,
+       kShift | kCtrl},
       {Qt::Key_Left, Qt::KeypadModifier, GridKey::Left, 0},
       {Qt::Key_Right, Qt::NoModifier, GridKey::Right, 0},
       {Qt::Key_Up, Qt::NoModifier, GridKey::Up, 0},

@@ -48,7 +48,7 @@ TEST_F(OwnerGridScroll, HundredThousandRowsScrollInStepsOfFour) {
 
   struct Case {
     int row;
-    int topRow;    // 1 + rows hidden above, a multiple of 4
+    int topRow;  // 1 + rows hidden above, a multiple of 4
     int barValue;
   };
   const std::vector<Case> cases = {
@@ -110,12 +110,11 @@ TEST_F(OwnerGridScroll, MouseScrollMovesTheBarWithinItsEndsAndNotTheCursor) {
     int fullRepaints;
   };
   const std::vector<Case> cases = {
-      {-3, false, 1, 0},    // at the top: nothing
-      {3, false, 4, 1},     // three lines
-      {2, true, 24, 1},     // two pages of ten
-      {-30, false, 1, 1},   // stops at the top
-      {5000, false, 993, 1},
-      {1, false, 993, 0},   // at the end: nothing
+      {-3, false, 1, 0},                          // at the top: nothing
+      {3, false, 4, 1},                           // three lines
+      {2, true, 24, 1},                           // two pages of ten
+      {-30, false, 1, 1},                         // stops at the top
+      {5000, false, 993, 1}, {1, false, 993, 0},  // at the end: nothing
   };
   for (const Case& c : cases) {
     host.Clear();
@@ -173,7 +172,7 @@ TEST_F(OwnerGridCursor, PlaceCursorWithFixedColumnsRaisesEventsInOrder) {
 
   struct Step {
     const char* what;
-    int row, column;      // PlaceCursor, or FixedColumns when row is -1
+    int row, column;  // PlaceCursor, or FixedColumns when row is -1
     int cursorRow, cursorColumn;
     Events events;
   };
@@ -233,13 +232,11 @@ TEST_F(OwnerGridCursor, CursorMoveRepaintsOnlyChangedCellsAndHeader) {
   const int y1 = hh + 1;
   const int y2 = hh + 1 + rh;
   const std::vector<QRect> expected = {
-      QRect(100, y1, 50, rh),  // old cursor cell
-      QRect(0, y1, 50, rh),    // fixed cells of the old row
-      QRect(50, y1, 50, rh),
-      QRect(150, y2, 50, rh),  // new cursor cell
-      QRect(0, y2, 50, rh),    // fixed cells of the new row
-      QRect(50, y2, 50, rh),
-      QRect(0, 0, 400 - host.extent, hh),  // header, for its highlight
+      QRect(100, y1, 50, rh),                                      // old cursor cell
+      QRect(0, y1, 50, rh),                                        // fixed cells of the old row
+      QRect(50, y1, 50, rh),  QRect(150, y2, 50, rh),              // new cursor cell
+      QRect(0, y2, 50, rh),                                        // fixed cells of the new row
+      QRect(50, y2, 50, rh),  QRect(0, 0, 400 - host.extent, hh),  // header, for its highlight
   };
   EXPECT_EQ(host.rects, expected);
   EXPECT_EQ(host.fullRepaints, 0);
@@ -262,15 +259,15 @@ TEST_F(OwnerGridCursor, HitTestWalksFixedColumnsThenTheScrolledOnes) {
     int row, column;
   };
   const std::vector<Case> cases = {
-      {0, hh, true, 0, 1},       // header over the fixed column
-      {49, -20, true, 0, 1},     // above the surface counts as the header
-      {50, 5, true, 0, left},    // after the fixed column comes the left column
+      {0, hh, true, 0, 1},     // header over the fixed column
+      {49, -20, true, 0, 1},   // above the surface counts as the header
+      {50, 5, true, 0, left},  // after the fixed column comes the left column
       {99, hh + 1, true, 1, left},
       {100, hh + rh, true, 2, left + 1},
       {349, hh + 2 * rh, true, 3, 10},
-      {350, hh + 1, false, 0, 0},     // beyond the last column
-      {-1, hh + 1, false, 1, 0},      // left of the surface
-      {10, hh + 3 * rh, false, 4, 0}, // below the last row
+      {350, hh + 1, false, 0, 0},      // beyond the last column
+      {-1, hh + 1, false, 1, 0},       // left of the surface
+      {10, hh + 3 * rh, false, 4, 0},  // below the last row
   };
   for (const Case& c : cases) {
     const OwnerGridLogic::Hit hit = grid->HitTest(c.x, c.y);
@@ -359,9 +356,10 @@ TEST_F(OwnerGridSort, HeaderClicksNeverReturnToUnsortedButKeysDo) {
       {Click, 4, 4, {"SortBy 4"}},
       {Click, 4, -4, {"SortBy -4"}},
       {Plus, 0, 2, {"SortBy 2"}},
-      {Plus, 0, 0, {"SortBy 0"}},   // plus on the ascending column: unsorted
+      {Plus, 0, 0, {"SortBy 0"}},  // plus on the ascending column: unsorted
       {Minus, 0, -2, {"SortBy -2"}},
-      {Minus, 0, 0, {"SortBy 0"}},  // minus on the descending column: unsorted
+      {Minus, 0, 0, {"SortBy 0"}},  // minus on the descending
+                                    // column: unsorted
       {Minus, 0, -2, {"SortBy -2"}},
       {Plus, 0, 2, {"SortBy 2"}},
   };

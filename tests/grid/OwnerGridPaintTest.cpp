@@ -2,12 +2,12 @@
 #include <set>
 #include <utility>
 
+#include <gtest/gtest.h>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QPalette>
 #include <QRegion>
-#include <gtest/gtest.h>
 
 #include "grid/GridColours.h"
 #include "grid/GridTestFixture.h"
@@ -31,6 +31,7 @@ class OwnerGridPaint : public GridFixture {
 
   Cells Paint(const QRegion& region) {
     owner.requested.clear();
+    owner.colours.clear();
     QPainter painter(&image);
     grid->Redraw(painter, region);
     return Cells(owner.requested.begin(), owner.requested.end());
@@ -49,7 +50,8 @@ TEST_F(OwnerGridPaint, FullPaintAsksForEachVisibleCellOnce) {
   const int left = grid->LeftColumn();
   // Rows start at the header height + 1; a row partly in view is painted, as
   // is a column that starts within the width.
-  const int rows = (height - (grid->HeaderHeight() + 1) + grid->RowHeight() - 1) / grid->RowHeight();
+  const int rows =
+      (height - (grid->HeaderHeight() + 1) + grid->RowHeight() - 1) / grid->RowHeight();
   const int dataColumns = (width - 100 + 99) / 100;
   Cells expected;
   for (int r = top; r < top + rows; ++r) {
@@ -78,6 +80,32 @@ TEST_F(OwnerGridPaint, RefreshDisabledPaintsNothing) {
   EXPECT_TRUE(Paint(QRegion(0, 0, 400, 300)).empty());
   grid->EnableRefresh();
   EXPECT_FALSE(Paint(QRegion(0, 0, 400, 300)).empty());
+}
+
+TEST_F(OwnerGridPaint, CellsAskedWithTheTextColourInForce) {
+  grid->PlaceCursor(2, 3);
+  grid->SetForeColor(0x123456);
+  struct Case {
+    bool enabled;
+    int row, column;
+    quint32 colour;
+  };
+  const std::vector<Case> cases = {
+      {true, 2, 3, 0},         // cursor cell: highlight text
+      {true, 2, 1, 0},         // fixed cell in the cursor row
+      {true, 2, 2, 0x123456},  // beside the cursor
+      {true, 1, 1, 0x123456},
+      {false, 2, 3, SysColour::GrayText},
+      {false, 1, 2, SysColour::GrayText},
+  };
+  for (const Case& c : cases) {
+    grid->SetEnabled(c.enabled);
+    Paint(QRegion(0, 0, 400, 300));
+    const auto at =
+        std::find(owner.requested.begin(), owner.requested.end(), std::make_pair(c.row, c.column));
+    ASSERT_NE(at, owner.requested.end());
+    EXPECT_EQ(owner.colours[at - owner.requested.begin()], c.colour) << c.row << "," << c.column;
+  }
 }
 
 TEST(OwnerGridColours, ValuesAreBgrAndSystemColoursResolve) {
@@ -115,13 +143,11 @@ TEST(OwnerGridProperties, DefaultsAndStoredNames) {
   grid.SetSortColumn(-2);
   grid.SetFixedColumns(1);
   const QVariantMap stored = grid.StoreProperties();
-  const QStringList names = {"AutoPopup",    "BackColor",        "BorderStyle",
-                             "CellFont",     "ColumnAlignment1", "ColumnAlignment2",
-                             "ColumnCaption1", "ColumnCaption2", "ColumnWidth1",
-                             "ColumnWidth2", "Columns",          "Enabled",
-                             "FixedColumns", "ForeColor",        "GridColor",
-                             "HeaderFont",   "Rows",             "SortColumn",
-                             "Sortable"};
+  const QStringList names = {
+      "AutoPopup",        "BackColor",      "BorderStyle",    "CellFont",     "ColumnAlignment1",
+      "ColumnAlignment2", "ColumnCaption1", "ColumnCaption2", "ColumnWidth1", "ColumnWidth2",
+      "Columns",          "Enabled",        "FixedColumns",   "ForeColor",    "GridColor",
+      "HeaderFont",       "Rows",           "SortColumn",     "Sortable"};
   EXPECT_EQ(stored.keys(), names);
 
   OwnerGridLogic copy;

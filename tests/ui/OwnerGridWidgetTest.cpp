@@ -1,10 +1,12 @@
 #include <set>
 #include <utility>
 
+#include <gtest/gtest.h>
 #include <QApplication>
 #include <QImage>
+#include <QKeyEvent>
 #include <QScrollBar>
-#include <gtest/gtest.h>
+#include <QWheelEvent>
 
 #include "grid/GridColours.h"
 #include "grid/OwnerGridEvents.h"
@@ -73,8 +75,8 @@ TEST_F(OwnerGridWidget, FullPaintAsksOnlyForVisibleCells) {
   EXPECT_TRUE(logic.VScroll().visible);
   EXPECT_TRUE(logic.HScroll().visible);
   EXPECT_EQ(view.width(), 800 - grid.verticalScrollBar()->sizeHint().width());
-  const int rows = (view.height() - logic.HeaderHeight() - 1 + logic.RowHeight() - 1) /
-                   logic.RowHeight();
+  const int rows =
+      (view.height() - logic.HeaderHeight() - 1 + logic.RowHeight() - 1) / logic.RowHeight();
   const int columns = (view.width() + 99) / 100;
   std::set<std::pair<int, int>> expected;
   for (int r = 1; r <= rows; ++r)
@@ -121,6 +123,35 @@ TEST_F(OwnerGridWidget, CursorMoveRepaintsOnlyTheTwoCells) {
   QApplication::processEvents();
   const std::set<std::pair<int, int>> asked(owner.asked.begin(), owner.asked.end());
   EXPECT_EQ(asked, (std::set<std::pair<int, int>>{{5, 2}, {6, 2}}));
+}
+
+TEST_F(OwnerGridWidget, KeysWheelAndScrollBarsReachTheLogic) {
+  OwnerGridLogic& logic = grid.Logic();
+  QKeyEvent down(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier);
+  QApplication::sendEvent(&grid, &down);
+  QKeyEvent end(QEvent::KeyPress, Qt::Key_End, Qt::ControlModifier);
+  QApplication::sendEvent(&grid, &end);
+  EXPECT_EQ(logic.GetCurRow(), 1000000);
+  EXPECT_EQ(logic.GetCurColumn(), 50);
+  // The real bars follow the logic's.
+  EXPECT_EQ(grid.verticalScrollBar()->value(), logic.VScroll().value);
+  EXPECT_EQ(grid.verticalScrollBar()->maximum(), logic.VScroll().maximum);
+  EXPECT_EQ(grid.horizontalScrollBar()->value(), logic.HScroll().value);
+
+  // Moving a bar scrolls without moving the cursor.
+  grid.verticalScrollBar()->setValue(100);
+  EXPECT_EQ(logic.VScroll().value, 100);
+  EXPECT_EQ(logic.TopRow(), 99 * logic.VScale() + 1);
+  grid.horizontalScrollBar()->setValue(logic.HScroll().minimum);
+  EXPECT_EQ(logic.LeftColumn(), 1);
+
+  // One notch down scrolls the system's number of lines.
+  const QPointF at(50, 50);
+  QWheelEvent wheel(at, grid.viewport()->mapToGlobal(at), QPoint(), QPoint(0, -120), Qt::NoButton,
+                    Qt::NoModifier, Qt::NoScrollPhase, false);
+  QApplication::sendEvent(grid.viewport(), &wheel);
+  EXPECT_EQ(logic.VScroll().value, 100 + QApplication::wheelScrollLines());
+  EXPECT_EQ(logic.GetCurRow(), 1000000);
 }
 
 }  // namespace

@@ -105,7 +105,7 @@ void OwnerGrid::keyPressEvent(QKeyEvent* event) {
   const int code = GridKeyFromQt(event->key(), event->modifiers());
   if (code != 0) m_logic.OnKeyDown(code, GridShiftFromQt(event->modifiers()));
   const QString text = event->text();
-  if (!text.isEmpty() && text.at(0).isPrint()) m_logic.OnKeyPress(text.at(0));
+  if (!text.isEmpty()) m_logic.OnKeyPress(text.at(0));
   event->accept();
 }
 
@@ -162,9 +162,15 @@ void OwnerGrid::RepaintRect(const QRect& rect) { viewport()->update(rect); }
 
 void OwnerGrid::SetPointer(GridPointer shape) {
   switch (shape) {
-    case GridPointer::Up: viewport()->setCursor(m_upCursor); break;
-    case GridPointer::Down: viewport()->setCursor(m_downCursor); break;
-    case GridPointer::Default: viewport()->unsetCursor(); break;
+    case GridPointer::Up:
+      viewport()->setCursor(m_upCursor);
+      break;
+    case GridPointer::Down:
+      viewport()->setCursor(m_downCursor);
+      break;
+    case GridPointer::Default:
+      viewport()->unsetCursor();
+      break;
   }
 }
 
