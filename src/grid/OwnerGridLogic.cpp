@@ -15,7 +15,7 @@ namespace ombrelle {
 namespace {
 
 // Rows or columns one step of a 16-bit scroll bar stands for.
-int ScaleFor(int count) { return (count + 1 + 32767) / 32768; }
+int ScaleFor(int count) { return static_cast<int>((qint64(count) + 1 + 32767) / 32768); }
 
 int CeilDiv(int a, int b) { return a >= 0 ? (a + b - 1) / b : -((-a) / b); }
 
@@ -273,6 +273,7 @@ QVariantMap OwnerGridLogic::StoreProperties() const {
 void OwnerGridLogic::LoadProperties(const QVariantMap& properties) {
   auto has = [&](const char* name) { return properties.contains(QLatin1String(name)); };
   auto get = [&](const char* name) { return properties.value(QLatin1String(name)); };
+  const bool wasDisabled = m_refreshDisabled;
   DisableRefresh();
   if (has("BackColor")) m_backColor = get("BackColor").toUInt();
   if (has("ForeColor")) m_foreColor = get("ForeColor").toUInt();
@@ -292,12 +293,12 @@ void OwnerGridLogic::LoadProperties(const QVariantMap& properties) {
     const auto caption = properties.find(QStringLiteral("ColumnCaption") + n);
     if (caption != properties.end()) m_captions[c] = caption->toString();
   }
-  m_refreshPending = true;
+  m_refreshPending = true;  // the widths above bypass their setter
   if (has("FixedColumns")) SetFixedColumns(get("FixedColumns").toInt());
   if (has("Sortable")) m_sortable = get("Sortable").toBool();
   if (has("SortColumn")) SetSortColumn(get("SortColumn").toInt());
   if (has("AutoPopup")) m_autoPopup = get("AutoPopup").toBool();
-  EnableRefresh();
+  if (!wasDisabled) EnableRefresh();
   Refresh();
 }
 
@@ -625,14 +626,15 @@ void OwnerGridLogic::PlaceScrollBars() {
   m_hScroll.value = std::clamp(m_hScroll.value, m_hScroll.minimum, m_hScroll.maximum);
 
   const Range range = VisibleRange(true);
-  const int span = range.bottom - range.top;
+  const int span = std::max(0, range.bottom - range.top);
   if (m_rows <= span) {
     m_vScroll.maximum = 1;
   } else {
     // The last step must show the last row, which a whole-number division
     // alone misses once a step stands for several rows.
-    const int reachLast = CeilDiv(m_rows - std::max(span, 0) - 1, m_vScale) + 1;
-    m_vScroll.maximum = std::max((m_rows - span + 1) / m_vScale, reachLast);
+    const int reachLast = CeilDiv(m_rows - span - 1, m_vScale) + 1;
+    const int plain = static_cast<int>((qint64(m_rows) - span + 1) / m_vScale);
+    m_vScroll.maximum = std::max(plain, reachLast);
   }
   m_vScroll.minimum = 1;
   m_vScroll.visible = m_vScroll.maximum > 1;
@@ -713,9 +715,9 @@ void OwnerGridLogic::SortClick(int column) {
 void OwnerGridLogic::MoveCursor(int rows, int columns) {
   if (columns < 0 && -columns >= m_cursorColumn) return;
   if (columns > 0 && m_cursorColumn >= m_columns) return;
-  const int row = std::max(1, std::min(m_cursorRow + rows, m_rows));
+  const qint64 row = std::max<qint64>(1, std::min<qint64>(qint64(m_cursorRow) + rows, m_rows));
   const int column = std::max(1, std::min(m_cursorColumn + columns, m_columns));
-  PlaceCursor(row, column);
+  PlaceCursor(static_cast<int>(row), column);
 }
 
 void OwnerGridLogic::ShowCellPopup(int column, int row) {

@@ -22,6 +22,7 @@ TEST(OwnerGridScale, ColumnsAndRowsAreClampedAndScaled) {
       {32767, 32767, 1, 32768, 32768, 2},
       {262144, 262144, 9, 100000, 100000, 4},
       {262145, 262144, 9, 1000000, 1000000, 31},
+      {0, 0, 1, 2147483647, 2147483647, 65536},
   };
   for (const Case& c : cases) {
     OwnerGridLogic grid;
