@@ -17,7 +17,9 @@ namespace {
 // Rows or columns one step of a 16-bit scroll bar stands for.
 int ScaleFor(int count) { return static_cast<int>((qint64(count) + 1 + 32767) / 32768); }
 
-int CeilDiv(int a, int b) { return a >= 0 ? (a + b - 1) / b : -((-a) / b); }
+int CeilDiv(int a, int b) {
+  return static_cast<int>(a >= 0 ? (qint64(a) + b - 1) / b : -((-qint64(a)) / b));
+}
 
 // Text is measured as if on a 96 dpi device, whatever the screen.
 constexpr double kReferenceDpi = 96.0;
