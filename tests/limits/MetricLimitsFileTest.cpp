@@ -2,6 +2,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
 
 #include "common/MessageAssertions.h"
 #include "limits/LimitsTestSettings.h"
@@ -64,6 +66,38 @@ TEST_F(LimitsFileTest, ExportFailuresAreShown) {
   EXPECT_ONLY_UI_MESSAGE(scripted.ui, ("Cannot create file " + nowhere + ": No such file or directory").toStdString(),
                          48);
   EXPECT_FALSE(QFile::exists(nowhere));
+}
+
+// An outside INI reader sees the same sections and keys as the program wrote.
+TEST_F(LimitsFileTest, ExportedFileReadsWithPythonConfigParser) {
+  const QString python = QStandardPaths::findExecutable(QStringLiteral("python3"));
+  if (python.isEmpty()) GTEST_SKIP() << "python3 is not installed";
+  ScopedScriptedUi scripted;
+  MetricLimits limits;
+  limits.SetRules(QStringLiteral("Team rules; strict"),
+                  {{4120, 0, 10, 0}, {1014, 1, 0.1, 0.3}, {3002, 3, 0, 0}, {4012, 2, 3, 0}});
+  const QString path = TempPath(QStringLiteral("team.mtl"));
+  ASSERT_TRUE(limits.Export(path));
+
+  const char* script =
+      "import configparser, sys\n"
+      "p = configparser.RawConfigParser(strict=False)\n"
+      "p.optionxform = str\n"
+      "p.read(sys.argv[1], encoding='cp1252')\n"
+      "for s in p.sections():\n"
+      "    print('[' + s + ']')\n"
+      "    for k, v in p.items(s):\n"
+      "        print(k + '=' + v)\n";
+  QProcess process;
+  process.start(python, {QStringLiteral("-c"), QString::fromUtf8(script), path});
+  ASSERT_TRUE(process.waitForFinished(30000));
+  ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+  EXPECT_EQ(QString::fromUtf8(process.readAllStandardOutput()).remove(QLatin1Char('\r')).toStdString(),
+            "[MTL Metric limits]\nVersion=1.0\nName=Team rules; strict\nRules=4\n"
+            "[Rule1]\nMetric=4120\nLimitType=0\nLimit=10\n"
+            "[Rule2]\nMetric=1014\nLimitType=1\nLimitMin=.1\nLimitMax=.3\n"
+            "[Rule3]\nMetric=3002\nLimitType=3\nLimit=0\n"
+            "[Rule4]\nMetric=4012\nLimitType=2\nLimit=3\n");
 }
 
 }  // namespace
