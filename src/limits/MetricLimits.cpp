@@ -8,6 +8,7 @@
 
 #include "limits/ChoiceList.h"
 #include "limits/LimitNumbers.h"
+#include "stats/CStats.h"
 #include "support/SettingsStore.h"
 
 namespace ombrelle {
@@ -267,6 +268,55 @@ QString MetricLimits::GetRuleString(MetricId metric, bool IncludeMetricName) con
   if (!IncludeMetricName) return text;
   const QString name = m_catalogue.GetMetricName(metric, NameAbbreviation);
   return name + (rule->LimitType == LimitRange ? QStringLiteral(" in ") : QStringLiteral(" ")) + text;
+}
+
+bool MetricLimits::IsInsideLimits(MetricId metric, double value, CStats& Stats) const {
+  const MetricLimitRule* rule = FindRule(metric);
+  if (!rule) return true;
+  switch (rule->LimitType) {
+    case LimitAtMost: return value <= rule->LimitMin;
+    case LimitRange: return rule->LimitMin <= value && value <= rule->LimitMax;
+    case LimitAtLeast: return value >= rule->LimitMin;
+    case LimitNoOutliers:
+      return Stats.count() < 10 || (Stats.OutlierLowerTail() <= value && value <= Stats.OutlierUpperTail());
+    case LimitNoExtremeOutliers:
+      return Stats.count() < 10 ||
+             (Stats.ExtremeOutlierLowerTail() <= value && value <= Stats.ExtremeOutlierUpperTail());
+    default: return true;
+  }
+}
+
+std::int32_t MetricLimits::CalcOutsideLimits(CStats& Stats, MetricId metric) const {
+  const MetricLimitRule* rule = FindRule(metric);
+  if (!rule) return 0;
+  double low = 0.0;
+  double high = 0.0;
+  switch (rule->LimitType) {
+    case LimitAtMost:
+      low = Stats.Min;
+      high = rule->LimitMin;
+      break;
+    case LimitRange:
+      low = rule->LimitMin;
+      high = rule->LimitMax;
+      break;
+    case LimitAtLeast:
+      low = rule->LimitMin;
+      high = Stats.Max;
+      break;
+    case LimitNoOutliers:
+      low = Stats.OutlierLowerTail();
+      high = Stats.OutlierUpperTail();
+      break;
+    case LimitNoExtremeOutliers:
+      low = Stats.ExtremeOutlierLowerTail();
+      high = Stats.ExtremeOutlierUpperTail();
+      break;
+    default:
+      // A rule of no known kind accepts every value.
+      return 0;
+  }
+  return Stats.count() - Stats.ValueCountRange(low, high);
 }
 
 }  // namespace ombrelle

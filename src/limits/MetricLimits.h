@@ -83,7 +83,7 @@ class MetricLimits {
   static void Delete(std::int16_t LimitID);
 
   // Values of `Stats` outside the rule of `metric`; 0 when it has none.
-  std::int32_t CalcOutsideLimits(const CStats& Stats, MetricId metric) const;
+  std::int32_t CalcOutsideLimits(CStats& Stats, MetricId metric) const;
 
   // The rule of `metric` as text ("<= 10", "[.1, .3]", "Outliers"), with the
   // metric's abbreviation before it when asked; empty without a rule.
@@ -94,8 +94,8 @@ class MetricLimits {
   bool ReadOnly() const { return m_limitNr < 1; }
 
   // True when `value` of `metric` satisfies its rule, or there is none.
-  // Outlier rules use the fences of `Stats`.
-  bool IsInsideLimits(MetricId metric, double value, const CStats& Stats) const;
+  // Outlier rules use the fences of `Stats` (computed and cached on first use).
+  bool IsInsideLimits(MetricId metric, double value, CStats& Stats) const;
 
   // The set as the editing dialog sees it: number, rules 1..RuleCount.
   std::int16_t GetID() const { return m_limitNr; }
