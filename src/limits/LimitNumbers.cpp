@@ -1,5 +1,7 @@
 #include "limits/LimitNumbers.h"
 
+#include "support/FormatNum.h"
+
 #include <QByteArray>
 
 #include <cmath>
@@ -8,8 +10,7 @@
 namespace ombrelle {
 
 QString LimitNumberText(double value) {
-  if (value == 0.0 || !std::isfinite(value)) return QStringLiteral("0");
-  QString text = QString::number(value, 'G', 15);
+  QString text = GeneralNumber(value);
   if (text.startsWith(QLatin1String("0."))) {
     text.remove(0, 1);
   } else if (text.startsWith(QLatin1String("-0."))) {

@@ -17,10 +17,8 @@ namespace {
 
 const QString kLimitsSection = QStringLiteral("Limits");
 
-QString SetSection(std::int32_t limitNr) { return kLimitsSection + QLatin1Char('\\') + QString::number(limitNr); }
-
 QString RuleSection(std::int32_t limitNr, int position) {
-  return SetSection(limitNr) + QStringLiteral("\\Rule") + QString::number(position);
+  return MetricLimits::SetSection(limitNr) + QStringLiteral("\\Rule") + QString::number(position);
 }
 
 
@@ -69,6 +67,10 @@ constexpr BuiltInRule kRequireCommentsRules[] = {
 };
 
 }  // namespace
+
+QString MetricLimits::SetSection(std::int32_t LimitNr) {
+  return kLimitsSection + QLatin1Char('\\') + QString::number(LimitNr);
+}
 
 QString MetricLimits::BuiltInName(std::int32_t LimitNr) {
   switch (LimitNr) {
@@ -158,6 +160,7 @@ void MetricLimits::RemoveInvalidRules() {
 
 void MetricLimits::Save() {
   if (ReadOnly()) return;
+  const SettingsBatch batch;
   Delete(m_limitNr);
   const QString section = SetSection(m_limitNr);
   SaveSetting(section, QStringLiteral("Name"), m_name);

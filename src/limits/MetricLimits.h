@@ -108,6 +108,8 @@ class MetricLimits {
 
   // Name of the built-in set `LimitNr`; empty for other numbers.
   static QString BuiltInName(std::int32_t LimitNr);
+  // The settings section of stored set `LimitNr`: "Limits\<n>".
+  static QString SetSection(std::int32_t LimitNr);
 
  private:
   void AddLimit(std::int32_t metric, std::int32_t type, double min, double max = 0.0);

@@ -8,6 +8,8 @@
 #include <QSaveFile>
 
 #include "limits/LimitNumbers.h"
+#include "support/Codepage.h"
+#include "support/IniFile.h"
 #include "support/SettingsStore.h"
 #include "support/UiServices.h"
 
@@ -17,8 +19,9 @@ namespace {
 
 const QString kHeadSection = QStringLiteral("MTL Metric limits");
 
-// Interim: Latin-1 until the shared Windows-1252 conversion is available.
-QByteArray EncodeFileText(const QString& text) { return text.toLatin1(); }
+// No set holds more: 32767 rules of at most four keys, and the head. A file
+// with more entries is no limits file, and is not copied into the settings.
+constexpr size_t kMaxImportEntries = 32767 * 4 + 16;
 
 void ShowError(const QString& text) { Ui().MsgBox(text, MsgStyle::Exclamation, UiServices::AppTitle()); }
 
@@ -54,13 +57,52 @@ bool MetricLimits::Export(const QString& fileName) {
     }
   }
   for (const QString& line : lines) {
-    if (file.write(EncodeFileText(line + QStringLiteral("\r\n"))) < 0) break;
+    if (file.write(TextToMultiByte(line + QStringLiteral("\r\n"), kCodepageAnsi)) < 0) break;
   }
   if (!file.commit()) {
     ShowError(file.errorString());
     return false;
   }
   return true;
+}
+
+std::int32_t MetricLimits::Import(const QString& fileName) {
+  IniFile file;
+  file.Load(fileName);  // a missing or unreadable file reads empty and fails the version check
+  const auto sections = file.Sections();
+  size_t entries = 0;
+  const std::vector<std::pair<QString, QString>>* head = nullptr;
+  for (const auto& [section, keys] : sections) {
+    entries += keys.size();
+    if (!head && section.compare(kHeadSection, Qt::CaseInsensitive) == 0) head = &keys;
+  }
+  auto headValue = [&](const QString& key) {
+    if (head)
+      for (const auto& [name, value] : *head)
+        if (name.compare(key, Qt::CaseInsensitive) == 0) return value;
+    return QString();
+  };
+  if (ParseLimitNumber(headValue(QStringLiteral("Version"))) != 1.0 || entries > kMaxImportEntries) {
+    ShowError(QStringLiteral("Unsupported file format or version in ") + fileName);
+    return 0;
+  }
+
+  const QString name = Ui().InputBox(QStringLiteral("Import as:"), UiServices::AppTitle(), headValue(QStringLiteral("Name")));
+  if (name.isEmpty()) return 0;
+
+  // The keys arrive as they stand; LoadFromSettings checks them at the next load.
+  const std::int16_t nr = FindFreeLimitID();
+  const QString target = SetSection(nr);
+  const SettingsBatch batch;
+  for (const auto& [key, value] : *head) SaveSetting(target, key, value);
+  for (const auto& [section, keys] : sections) {
+    if (&keys == head) continue;
+    // A name that is empty or holds a separator would land outside the set's own sections.
+    if (section.isEmpty() || section.contains(QLatin1Char('\\')) || section.contains(QLatin1Char('/'))) continue;
+    for (const auto& [key, value] : keys) SaveSetting(target + QLatin1Char('\\') + section, key, value);
+  }
+  SaveSetting(target, QStringLiteral("Name"), name);
+  return nr;
 }
 
 }  // namespace ombrelle

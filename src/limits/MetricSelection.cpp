@@ -175,6 +175,7 @@ void MetricSelection::FillList(ChoiceList& list) const {
 
 void MetricSelection::Save() const {
   if (ReadOnly()) return;
+  const SettingsBatch batch;
   const QString section = SelectionKey(m_selectionNr);
   DeleteSettingsTree(section);
   SaveSetting(section, QStringLiteral("Name"), m_name);
