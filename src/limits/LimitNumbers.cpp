@@ -25,7 +25,9 @@ double ParseLimitNumber(const QString& text) {
   while (i < n && (text[i] == QLatin1Char(' ') || text[i] == QLatin1Char('\t'))) ++i;
 
   std::string number;
-  auto isDigit = [&](qsizetype k) { return k < n && text[k] >= QLatin1Char('0') && text[k] <= QLatin1Char('9'); };
+  auto isDigit = [&](qsizetype k) {
+    return k < n && text[k] >= QLatin1Char('0') && text[k] <= QLatin1Char('9');
+  };
   if (i < n && (text[i] == QLatin1Char('+') || text[i] == QLatin1Char('-'))) {
     number += static_cast<char>(text[i].unicode());
     ++i;

@@ -21,10 +21,10 @@ QString RuleSection(std::int32_t limitNr, int position) {
   return MetricLimits::SetSection(limitNr) + QStringLiteral("\\Rule") + QString::number(position);
 }
 
-
 std::int32_t ReadWhole(const QString& section, const QString& key, const QString& defaultValue) {
   return ToWholeNumber(ParseLimitNumber(GetSetting(section, key, defaultValue)),
-                 std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max());
+                       std::numeric_limits<std::int32_t>::min(),
+                       std::numeric_limits<std::int32_t>::max());
 }
 
 double ReadNumber(const QString& section, const QString& key) {
@@ -39,23 +39,23 @@ struct BuiltInRule {
 };
 
 constexpr BuiltInRule kDefaultRules[] = {
-    {1404, LimitAtMost, 5, 0},   // maxDIT
-    {1501, LimitAtLeast, 1, 0},  // AHF
-    {2012, LimitAtLeast, 1, 0},  // LLOC of a file
-    {3001, LimitRange, 1, 50},   // WMC
-    {3213, LimitAtMost, 0, 0},   // VARSnp
-    {3010, LimitAtMost, 0, 0},   // LCOM1
+    {1404, LimitAtMost, 5, 0},     // maxDIT
+    {1501, LimitAtLeast, 1, 0},    // AHF
+    {2012, LimitAtLeast, 1, 0},    // LLOC of a file
+    {3001, LimitRange, 1, 50},     // WMC
+    {3213, LimitAtMost, 0, 0},     // VARSnp
+    {3010, LimitAtMost, 0, 0},     // LCOM1
     {3012, LimitAtMost, 0.99, 0},  // LCOM3
-    {3013, LimitAtMost, 1, 0},   // LCOM4
-    {3112, LimitAtLeast, 3, 0},  // LLOC of a class
-    {3002, LimitAtMost, 5, 0},   // DIT
-    {4001, LimitAtMost, 66, 0},  // LINES of a procedure
-    {4012, LimitAtLeast, 3, 0},  // LLOC of a procedure
-    {4020, LimitAtLeast, 1, 0},  // MCOMM
-    {4120, LimitAtMost, 10, 0},  // CC
-    {4140, LimitAtMost, 5, 0},   // DCOND
-    {4141, LimitAtMost, 2, 0},   // DLOOP
-    {4030, LimitAtMost, 5, 0},   // PARAMS
+    {3013, LimitAtMost, 1, 0},     // LCOM4
+    {3112, LimitAtLeast, 3, 0},    // LLOC of a class
+    {3002, LimitAtMost, 5, 0},     // DIT
+    {4001, LimitAtMost, 66, 0},    // LINES of a procedure
+    {4012, LimitAtLeast, 3, 0},    // LLOC of a procedure
+    {4020, LimitAtLeast, 1, 0},    // MCOMM
+    {4120, LimitAtMost, 10, 0},    // CC
+    {4140, LimitAtMost, 5, 0},     // DCOND
+    {4141, LimitAtMost, 2, 0},     // DLOOP
+    {4030, LimitAtMost, 5, 0},     // PARAMS
 };
 
 constexpr BuiltInRule kRequireCommentsRules[] = {
@@ -74,12 +74,18 @@ QString MetricLimits::SetSection(std::int32_t LimitNr) {
 
 QString MetricLimits::BuiltInName(std::int32_t LimitNr) {
   switch (LimitNr) {
-    case LimitSet::Default: return QStringLiteral("<Default limits>");
-    case LimitSet::RequireComments: return QStringLiteral("<Require comments>");
-    case LimitSet::None: return QStringLiteral("<No limits>");
-    case LimitSet::Outliers: return QStringLiteral("<Outliers>");
-    case LimitSet::ExtremeOutliers: return QStringLiteral("<Outliers, extreme>");
-    default: return {};
+    case LimitSet::Default:
+      return QStringLiteral("<Default limits>");
+    case LimitSet::RequireComments:
+      return QStringLiteral("<Require comments>");
+    case LimitSet::None:
+      return QStringLiteral("<No limits>");
+    case LimitSet::Outliers:
+      return QStringLiteral("<Outliers>");
+    case LimitSet::ExtremeOutliers:
+      return QStringLiteral("<Outliers, extreme>");
+    default:
+      return {};
   }
 }
 
@@ -90,9 +96,8 @@ void MetricLimits::AddLimit(std::int32_t metric, std::int32_t type, double min, 
 
 bool MetricLimits::Load(std::int32_t LimitNr) {
   m_rules.clear();
-  m_limitNr = static_cast<std::int16_t>(
-      std::clamp<std::int32_t>(LimitNr, std::numeric_limits<std::int16_t>::min(),
-                               std::numeric_limits<std::int16_t>::max()));
+  m_limitNr = static_cast<std::int16_t>(std::clamp<std::int32_t>(
+      LimitNr, std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max()));
   if (m_limitNr > 0) {
     if (LoadFromSettings(m_limitNr)) return true;
     Generate();
@@ -113,7 +118,8 @@ void MetricLimits::LoadBuiltIn(std::int32_t LimitNr) {
       break;
     case LimitSet::Outliers:
     case LimitSet::ExtremeOutliers: {
-      const std::int32_t type = LimitNr == LimitSet::Outliers ? LimitNoOutliers : LimitNoExtremeOutliers;
+      const std::int32_t type =
+          LimitNr == LimitSet::Outliers ? LimitNoOutliers : LimitNoExtremeOutliers;
       // Every metric but DATE and DAYS, which are never judged.
       for (MetricId id = kFirstMetricId + 2; id <= kLastMetricId; ++id)
         if (m_catalogue.MetricSupported(id)) AddLimit(id, type, 0.0, 0.0);
@@ -127,13 +133,15 @@ void MetricLimits::LoadBuiltIn(std::int32_t LimitNr) {
 bool MetricLimits::LoadFromSettings(std::int32_t LimitNr) {
   const QString section = SetSection(LimitNr);
   m_name = GetSetting(section, QStringLiteral("Name"), QStringLiteral("New rules"));
-  if (ParseLimitNumber(GetSetting(section, QStringLiteral("Version"), QStringLiteral("0"))) != 1.0) {
+  if (ParseLimitNumber(GetSetting(section, QStringLiteral("Version"), QStringLiteral("0"))) !=
+      1.0) {
     ErrorMessage = QStringLiteral("Unsupported version number");
     return false;
   }
   // The count is 16-bit; a negative one counts as none.
-  const std::int32_t count = ToWholeNumber(ParseLimitNumber(GetSetting(section, QStringLiteral("Rules"), QStringLiteral("0"))),
-                                     0, std::numeric_limits<std::int16_t>::max());
+  const std::int32_t count = ToWholeNumber(
+      ParseLimitNumber(GetSetting(section, QStringLiteral("Rules"), QStringLiteral("0"))), 0,
+      std::numeric_limits<std::int16_t>::max());
   for (int i = 1; i <= count; ++i) {
     const QString ruleSection = RuleSection(LimitNr, i);
     MetricLimitRule rule;
@@ -182,8 +190,8 @@ void MetricLimits::Save() {
 
 void MetricLimits::FillList(ChoiceList& list) const {
   list.Clear();
-  for (std::int32_t nr : {LimitSet::Default, LimitSet::RequireComments, LimitSet::None, LimitSet::Outliers,
-                          LimitSet::ExtremeOutliers})
+  for (std::int32_t nr : {LimitSet::Default, LimitSet::RequireComments, LimitSet::None,
+                          LimitSet::Outliers, LimitSet::ExtremeOutliers})
     list.AddItem(BuiltInName(nr), nr);
   const QStringList names = EnumSubkeys(kLimitsSection);
   for (const QString& name : names) {
@@ -201,13 +209,16 @@ QString MetricLimits::GetSavedName(std::int32_t LimitNr) {
 
 std::int16_t MetricLimits::GetCurrentLimitID() {
   const std::int32_t nr = ToWholeNumber(
-      ParseLimitNumber(GetSetting(kLimitsSection, QStringLiteral("CurrentLimit"), QStringLiteral("0"))),
+      ParseLimitNumber(
+          GetSetting(kLimitsSection, QStringLiteral("CurrentLimit"), QStringLiteral("0"))),
       std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int32_t>::max());
   if (nr <= 0) return static_cast<std::int16_t>(nr);
   if (nr > std::numeric_limits<std::int16_t>::max()) return -1;
   const QString section = SetSection(nr);
-  const double version = ParseLimitNumber(GetSetting(section, QStringLiteral("Version"), QStringLiteral("0")));
-  if (GetSetting(section, QStringLiteral("Name")).isEmpty() || std::trunc(version) != 1.0) return -1;
+  const double version =
+      ParseLimitNumber(GetSetting(section, QStringLiteral("Version"), QStringLiteral("0")));
+  if (GetSetting(section, QStringLiteral("Name")).isEmpty() || std::trunc(version) != 1.0)
+    return -1;
   return static_cast<std::int16_t>(nr);
 }
 
@@ -253,14 +264,19 @@ std::int32_t MetricLimits::LimitType(MetricId metric) const {
 
 QString MetricLimits::RuleText(const MetricLimitRule& rule) const {
   switch (rule.LimitType) {
-    case LimitAtMost: return QStringLiteral("<= ") + LimitNumberText(rule.LimitMin);
+    case LimitAtMost:
+      return QStringLiteral("<= ") + LimitNumberText(rule.LimitMin);
     case LimitRange:
       return QStringLiteral("[") + LimitNumberText(rule.LimitMin) + QStringLiteral(", ") +
              LimitNumberText(rule.LimitMax) + QStringLiteral("]");
-    case LimitAtLeast: return QStringLiteral(">= ") + LimitNumberText(rule.LimitMin);
-    case LimitNoOutliers: return QStringLiteral("Outliers");
-    case LimitNoExtremeOutliers: return QStringLiteral("Extreme outliers");
-    default: return {};
+    case LimitAtLeast:
+      return QStringLiteral(">= ") + LimitNumberText(rule.LimitMin);
+    case LimitNoOutliers:
+      return QStringLiteral("Outliers");
+    case LimitNoExtremeOutliers:
+      return QStringLiteral("Extreme outliers");
+    default:
+      return {};
   }
 }
 
@@ -270,22 +286,28 @@ QString MetricLimits::GetRuleString(MetricId metric, bool IncludeMetricName) con
   const QString text = RuleText(*rule);
   if (!IncludeMetricName) return text;
   const QString name = m_catalogue.GetMetricName(metric, NameAbbreviation);
-  return name + (rule->LimitType == LimitRange ? QStringLiteral(" in ") : QStringLiteral(" ")) + text;
+  return name + (rule->LimitType == LimitRange ? QStringLiteral(" in ") : QStringLiteral(" ")) +
+         text;
 }
 
 bool MetricLimits::IsInsideLimits(MetricId metric, double value, CStats& Stats) const {
   const MetricLimitRule* rule = FindRule(metric);
   if (!rule) return true;
   switch (rule->LimitType) {
-    case LimitAtMost: return value <= rule->LimitMin;
-    case LimitRange: return rule->LimitMin <= value && value <= rule->LimitMax;
-    case LimitAtLeast: return value >= rule->LimitMin;
+    case LimitAtMost:
+      return value <= rule->LimitMin;
+    case LimitRange:
+      return rule->LimitMin <= value && value <= rule->LimitMax;
+    case LimitAtLeast:
+      return value >= rule->LimitMin;
     case LimitNoOutliers:
-      return Stats.count() < 10 || (Stats.OutlierLowerTail() <= value && value <= Stats.OutlierUpperTail());
+      return Stats.count() < 10 ||
+             (Stats.OutlierLowerTail() <= value && value <= Stats.OutlierUpperTail());
     case LimitNoExtremeOutliers:
       return Stats.count() < 10 ||
              (Stats.ExtremeOutlierLowerTail() <= value && value <= Stats.ExtremeOutlierUpperTail());
-    default: return true;
+    default:
+      return true;
   }
 }
 

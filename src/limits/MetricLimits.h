@@ -24,11 +24,11 @@ struct MetricLimitRule {
 
 // Kinds of rule.
 enum MetricLimitType : std::int32_t {
-  LimitAtMost = 0,           // value <= bound
-  LimitRange = 1,            // LimitMin <= value <= LimitMax
-  LimitAtLeast = 2,          // value >= bound
-  LimitNoOutliers = 3,       // value inside the outlier fences
-  LimitNoExtremeOutliers = 4 // value inside the extreme outlier fences
+  LimitAtMost = 0,            // value <= bound
+  LimitRange = 1,             // LimitMin <= value <= LimitMax
+  LimitAtLeast = 2,           // value >= bound
+  LimitNoOutliers = 3,        // value inside the outlier fences
+  LimitNoExtremeOutliers = 4  // value inside the extreme outlier fences
 };
 
 // Numbers of the built-in sets; stored sets are numbered from 1 up.

@@ -23,7 +23,9 @@ const QString kHeadSection = QStringLiteral("MTL Metric limits");
 // with more entries is no limits file, and is not copied into the settings.
 constexpr size_t kMaxImportEntries = 32767 * 4 + 16;
 
-void ShowError(const QString& text) { Ui().MsgBox(text, MsgStyle::Exclamation, UiServices::AppTitle()); }
+void ShowError(const QString& text) {
+  Ui().MsgBox(text, MsgStyle::Exclamation, UiServices::AppTitle());
+}
 
 }  // namespace
 
@@ -35,15 +37,16 @@ bool MetricLimits::Export(const QString& fileName) {
   }
   QSaveFile file(fileName);
   if (!file.open(QIODevice::WriteOnly)) {
-    ShowError(QStringLiteral("Cannot create file ") + fileName + QStringLiteral(": ") + file.errorString());
+    ShowError(QStringLiteral("Cannot create file ") + fileName + QStringLiteral(": ") +
+              file.errorString());
     return false;
   }
 
   QStringList lines;
   lines << QLatin1Char('[') + kHeadSection + QLatin1Char(']')
         << QStringLiteral("; Saved by ") + UiServices::AppTitle() << QStringLiteral("Version=1.0")
-        << QStringLiteral("Name=") + m_name << QStringLiteral("Rules=") + QString::number(m_rules.size())
-        << QString();
+        << QStringLiteral("Name=") + m_name
+        << QStringLiteral("Rules=") + QString::number(m_rules.size()) << QString();
   for (size_t i = 0; i < m_rules.size(); ++i) {
     const MetricLimitRule& rule = m_rules[i];
     lines << QStringLiteral("[Rule") + QString::number(i + 1) + QLatin1Char(']')
@@ -82,12 +85,14 @@ std::int32_t MetricLimits::Import(const QString& fileName) {
         if (name.compare(key, Qt::CaseInsensitive) == 0) return value;
     return QString();
   };
-  if (ParseLimitNumber(headValue(QStringLiteral("Version"))) != 1.0 || entries > kMaxImportEntries) {
+  if (ParseLimitNumber(headValue(QStringLiteral("Version"))) != 1.0 ||
+      entries > kMaxImportEntries) {
     ShowError(QStringLiteral("Unsupported file format or version in ") + fileName);
     return 0;
   }
 
-  const QString name = Ui().InputBox(QStringLiteral("Import as:"), UiServices::AppTitle(), headValue(QStringLiteral("Name")));
+  const QString name = Ui().InputBox(QStringLiteral("Import as:"), UiServices::AppTitle(),
+                                     headValue(QStringLiteral("Name")));
   if (name.isEmpty()) return 0;
 
   // The keys arrive as they stand; LoadFromSettings checks them at the next load.
@@ -98,8 +103,11 @@ std::int32_t MetricLimits::Import(const QString& fileName) {
   for (const auto& [section, keys] : sections) {
     if (&keys == head) continue;
     // A name that is empty or holds a separator would land outside the set's own sections.
-    if (section.isEmpty() || section.contains(QLatin1Char('\\')) || section.contains(QLatin1Char('/'))) continue;
-    for (const auto& [key, value] : keys) SaveSetting(target + QLatin1Char('\\') + section, key, value);
+    if (section.isEmpty() || section.contains(QLatin1Char('\\')) ||
+        section.contains(QLatin1Char('/')))
+      continue;
+    for (const auto& [key, value] : keys)
+      SaveSetting(target + QLatin1Char('\\') + section, key, value);
   }
   SaveSetting(target, QStringLiteral("Name"), name);
   return nr;

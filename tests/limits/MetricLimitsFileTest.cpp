@@ -42,8 +42,11 @@ QByteArray Head(const char* version, const char* rules) {
 TEST_F(LimitsFileTest, ExportWritesTheExactLines) {
   ScopedScriptedUi scripted;
   MetricLimits limits;
-  limits.SetRules(QStringLiteral("Mixed"), {{1014, 1, 0.1, 0.3}, {4120, 0, 10, 0}, {3002, 3, 0, 0},
-                                            {3112, 2, -0.25, 0}, {4001, 4, 0, 0}});
+  limits.SetRules(QStringLiteral("Mixed"), {{1014, 1, 0.1, 0.3},
+                                            {4120, 0, 10, 0},
+                                            {3002, 3, 0, 0},
+                                            {3112, 2, -0.25, 0},
+                                            {4001, 4, 0, 0}});
   const QString path = TempPath(QStringLiteral("mixed.mtl"));
   ASSERT_TRUE(limits.Export(path));
   EXPECT_EQ(ReadAll(path).toStdString(),
@@ -64,7 +67,8 @@ TEST_F(LimitsFileTest, ExportWritesTheExactLines) {
   limits.SetRules(QStringLiteral("Empty"), {});
   ASSERT_TRUE(limits.Export(path));
   EXPECT_EQ(ReadAll(path).toStdString(),
-            "[MTL Metric limits]\r\n; Saved by Ombrelle Viewer\r\nVersion=1.0\r\nName=Empty\r\nRules=0\r\n\r\n");
+            "[MTL Metric limits]\r\n; Saved by Ombrelle "
+            "Viewer\r\nVersion=1.0\r\nName=Empty\r\nRules=0\r\n\r\n");
 }
 
 TEST_F(LimitsFileTest, ExportFailuresAreShown) {
@@ -81,16 +85,17 @@ TEST_F(LimitsFileTest, ExportFailuresAreShown) {
   scripted.ui.messages.clear();
   const QString nowhere = TempPath(QStringLiteral("missing/limits.mtl"));
   EXPECT_FALSE(limits.Export(nowhere));
-  EXPECT_ONLY_UI_MESSAGE(scripted.ui, ("Cannot create file " + nowhere + ": No such file or directory").toStdString(),
-                         48);
+  EXPECT_ONLY_UI_MESSAGE(
+      scripted.ui, ("Cannot create file " + nowhere + ": No such file or directory").toStdString(),
+      48);
   EXPECT_FALSE(QFile::exists(nowhere));
 }
 
 TEST_F(LimitsFileTest, ExportThenImportGivesTheSameRulesInOrder) {
   ScopedScriptedUi scripted;
-  const std::vector<MetricLimitRule> rules = {{4120, 0, 10, 0},   {1014, 1, 0.1, 0.3}, {3002, 3, 0, 0},
-                                              {4001, 4, 0, 0},    {3112, 2, -0.25, 0}, {4012, 2, 1e-5, 0},
-                                              {3001, 1, 1, 1e15}, {4120, 2, 3, 0}};
+  const std::vector<MetricLimitRule> rules = {
+      {4120, 0, 10, 0},    {1014, 1, 0.1, 0.3}, {3002, 3, 0, 0},    {4001, 4, 0, 0},
+      {3112, 2, -0.25, 0}, {4012, 2, 1e-5, 0},  {3001, 1, 1, 1e15}, {4120, 2, 3, 0}};
   MetricLimits source;
   source.SetRules(QStringLiteral("Team"), rules);
   const QString first = TempPath(QStringLiteral("team.mtl"));
@@ -141,12 +146,17 @@ TEST_F(LimitsFileTest, ImportCopiesSectionsAsTheyStandAndLoadKeepsTheValidRules)
   MetricLimits limits;
   ASSERT_EQ(limits.Import(path), 3);
 
-  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\3"), QStringLiteral("Version")), QStringLiteral("1.00"));
-  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\3"), QStringLiteral("Name")), QStringLiteral("Imported"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\3"), QStringLiteral("Version")),
+            QStringLiteral("1.00"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\3"), QStringLiteral("Name")),
+            QStringLiteral("Imported"));
   EXPECT_EQ(GetAllSettings(QStringLiteral("Limits\\3")).size(), 3u);  // no comment line
-  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\3\\Rule2"), QStringLiteral("LimitType")), QStringLiteral("7"));
-  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\3\\Rule3"), QStringLiteral("Metric")), QStringLiteral("9999"));
-  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\3\\Notes"), QStringLiteral("Author")), QStringLiteral("QA"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\3\\Rule2"), QStringLiteral("LimitType")),
+            QStringLiteral("7"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\3\\Rule3"), QStringLiteral("Metric")),
+            QStringLiteral("9999"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\3\\Notes"), QStringLiteral("Author")),
+            QStringLiteral("QA"));
 
   // Rule2 (type 7), Rule3 (unknown metric) and Rule5 (absent: metric 0, type -1) go.
   ASSERT_TRUE(limits.Load(3));
@@ -183,7 +193,8 @@ TEST_F(LimitsFileTest, ImportRefusals) {
     scripted.ui.inputAnswers.push_back(QStringLiteral("Never asked"));
     MetricLimits limits;
     EXPECT_EQ(limits.Import(path), 0);
-    EXPECT_ONLY_UI_MESSAGE(scripted.ui, ("Unsupported file format or version in " + path).toStdString(), 48);
+    EXPECT_ONLY_UI_MESSAGE(scripted.ui,
+                           ("Unsupported file format or version in " + path).toStdString(), 48);
     EXPECT_TRUE(scripted.ui.inputPrompts.empty());
     EXPECT_TRUE(EnumSubkeys(QStringLiteral("Limits")).isEmpty());
   }
@@ -225,12 +236,13 @@ TEST_F(LimitsFileTest, ExportedFileReadsWithPythonConfigParser) {
   process.start(python, {QStringLiteral("-c"), QString::fromUtf8(script), path});
   ASSERT_TRUE(process.waitForFinished(30000));
   ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-  EXPECT_EQ(QString::fromUtf8(process.readAllStandardOutput()).remove(QLatin1Char('\r')).toStdString(),
-            "[MTL Metric limits]\nVersion=1.0\nName=Team rules; strict\nRules=4\n"
-            "[Rule1]\nMetric=4120\nLimitType=0\nLimit=10\n"
-            "[Rule2]\nMetric=1014\nLimitType=1\nLimitMin=.1\nLimitMax=.3\n"
-            "[Rule3]\nMetric=3002\nLimitType=3\nLimit=0\n"
-            "[Rule4]\nMetric=4012\nLimitType=2\nLimit=3\n");
+  EXPECT_EQ(
+      QString::fromUtf8(process.readAllStandardOutput()).remove(QLatin1Char('\r')).toStdString(),
+      "[MTL Metric limits]\nVersion=1.0\nName=Team rules; strict\nRules=4\n"
+      "[Rule1]\nMetric=4120\nLimitType=0\nLimit=10\n"
+      "[Rule2]\nMetric=1014\nLimitType=1\nLimitMin=.1\nLimitMax=.3\n"
+      "[Rule3]\nMetric=3002\nLimitType=3\nLimit=0\n"
+      "[Rule4]\nMetric=4012\nLimitType=2\nLimit=3\n");
 }
 
 }  // namespace

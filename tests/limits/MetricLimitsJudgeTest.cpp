@@ -19,13 +19,14 @@ CStats Series(const std::vector<double>& values) {
 // One rule of each kind, and one of a kind that does not exist.
 MetricLimits JudgingSet() {
   MetricLimits limits;
-  limits.SetRules(QStringLiteral("Judge"), {{4120, 0, 5, 0},
-                                            {4012, 2, 9, 0},
-                                            {3001, 1, 3, 10},
-                                            {3002, 3, 0, 0},
-                                            {4001, 4, 0, 0},
-                                            {4140, 7, 0, 0},
-                                            {4120, 2, 1000, 0}});  // never seen: the first rule wins
+  limits.SetRules(QStringLiteral("Judge"),
+                  {{4120, 0, 5, 0},
+                   {4012, 2, 9, 0},
+                   {3001, 1, 3, 10},
+                   {3002, 3, 0, 0},
+                   {4001, 4, 0, 0},
+                   {4140, 7, 0, 0},
+                   {4120, 2, 1000, 0}});  // never seen: the first rule wins
   return limits;
 }
 
@@ -68,15 +69,18 @@ TEST(MetricLimitsJudge, IsInsideLimitsByKindOfRule) {
     bool insideTwelve;
     bool insideNine;
   } cases[] = {
-      {4120, 5, true, true},     {4120, 5.01, false, false}, {4012, 9, true, true},    {4012, 8.99, false, false},
-      {3001, 3, true, true},     {3001, 10, true, true},     {3001, 10.5, false, false}, {3001, 2, false, false},
-      {3002, 20.5, true, true},  {3002, 21, false, true},    {3002, 0.5, false, true}, {3002, 5000, false, true},
-      {4001, 31, true, true},    {4001, 31.5, false, true},  {4001, 25, true, true},   {4140, -1e9, true, true},
-      {1009, 1e9, true, true},
+      {4120, 5, true, true},      {4120, 5.01, false, false}, {4012, 9, true, true},
+      {4012, 8.99, false, false}, {3001, 3, true, true},      {3001, 10, true, true},
+      {3001, 10.5, false, false}, {3001, 2, false, false},    {3002, 20.5, true, true},
+      {3002, 21, false, true},    {3002, 0.5, false, true},   {3002, 5000, false, true},
+      {4001, 31, true, true},     {4001, 31.5, false, true},  {4001, 25, true, true},
+      {4140, -1e9, true, true},   {1009, 1e9, true, true},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(limits.IsInsideLimits(c.metric, c.value, twelve), c.insideTwelve) << c.metric << " " << c.value;
-    EXPECT_EQ(limits.IsInsideLimits(c.metric, c.value, nine), c.insideNine) << c.metric << " " << c.value;
+    EXPECT_EQ(limits.IsInsideLimits(c.metric, c.value, twelve), c.insideTwelve)
+        << c.metric << " " << c.value;
+    EXPECT_EQ(limits.IsInsideLimits(c.metric, c.value, nine), c.insideNine)
+        << c.metric << " " << c.value;
   }
 }
 

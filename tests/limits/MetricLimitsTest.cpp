@@ -25,7 +25,8 @@ void WriteRule(int set, int position, const QString& metric, const QString& type
   const QString section = QStringLiteral("Limits\\%1\\Rule%2").arg(set).arg(position);
   SaveSetting(section, QStringLiteral("Metric"), metric);
   SaveSetting(section, QStringLiteral("LimitType"), type);
-  for (const auto& [key, value] : bounds) SaveSetting(section, QString::fromUtf8(key), QString::fromUtf8(value));
+  for (const auto& [key, value] : bounds)
+    SaveSetting(section, QString::fromUtf8(key), QString::fromUtf8(value));
 }
 
 void WriteSetHead(int set, const QString& name, const QString& version, const QString& rules) {
@@ -40,16 +41,20 @@ TEST(MetricLimitsBuiltIn, DefaultAndRequireCommentsRulesInOrder) {
   ASSERT_TRUE(limits.Load(LimitSet::Default));
   EXPECT_EQ(limits.GetName(), QStringLiteral("<Default limits>"));
   const std::vector<MetricLimitRule> defaults = {
-      {1404, 0, 5, 0}, {1501, 2, 1, 0}, {2012, 2, 1, 0}, {3001, 1, 1, 50},   {3213, 0, 0, 0}, {3010, 0, 0, 0},
-      {3012, 0, 0.99, 0}, {3013, 0, 1, 0}, {3112, 2, 3, 0}, {3002, 0, 5, 0}, {4001, 0, 66, 0}, {4012, 2, 3, 0},
-      {4020, 2, 1, 0}, {4120, 0, 10, 0}, {4140, 0, 5, 0}, {4141, 0, 2, 0},   {4030, 0, 5, 0}};
+      {1404, 0, 5, 0},  {1501, 2, 1, 0},    {2012, 2, 1, 0}, {3001, 1, 1, 50}, {3213, 0, 0, 0},
+      {3010, 0, 0, 0},  {3012, 0, 0.99, 0}, {3013, 0, 1, 0}, {3112, 2, 3, 0},  {3002, 0, 5, 0},
+      {4001, 0, 66, 0}, {4012, 2, 3, 0},    {4020, 2, 1, 0}, {4120, 0, 10, 0}, {4140, 0, 5, 0},
+      {4141, 0, 2, 0},  {4030, 0, 5, 0}};
   EXPECT_EQ(Rules(limits), defaults);
   EXPECT_TRUE(limits.ReadOnly());
 
   ASSERT_TRUE(limits.Load(LimitSet::RequireComments));
   EXPECT_EQ(limits.GetName(), QStringLiteral("<Require comments>"));
-  const std::vector<MetricLimitRule> comments = {
-      {1016, 2, 0.2, 0}, {1014, 1, 0.1, 0.3}, {2021, 2, 0.2, 0}, {2017, 1, 0.1, 0.3}, {4020, 2, 1, 0}};
+  const std::vector<MetricLimitRule> comments = {{1016, 2, 0.2, 0},
+                                                 {1014, 1, 0.1, 0.3},
+                                                 {2021, 2, 0.2, 0},
+                                                 {2017, 1, 0.1, 0.3},
+                                                 {4020, 2, 1, 0}};
   EXPECT_EQ(Rules(limits), comments);
 
   ASSERT_TRUE(limits.Load(LimitSet::None));
@@ -65,8 +70,9 @@ TEST(MetricLimitsBuiltIn, OutlierSetsCoverTheSupportedCatalogue) {
     if (catalogue.MetricSupported(id)) supported.push_back(id);
   ASSERT_GT(supported.size(), 100u);
 
-  for (const auto& [nr, type, name] : {std::tuple{LimitSet::Outliers, 3, "<Outliers>"},
-                                       std::tuple{LimitSet::ExtremeOutliers, 4, "<Outliers, extreme>"}}) {
+  for (const auto& [nr, type, name] :
+       {std::tuple{LimitSet::Outliers, 3, "<Outliers>"},
+        std::tuple{LimitSet::ExtremeOutliers, 4, "<Outliers, extreme>"}}) {
     MetricLimits limits;
     ASSERT_TRUE(limits.Load(nr));
     EXPECT_EQ(limits.GetName().toStdString(), name);
@@ -116,16 +122,21 @@ TEST_F(LimitsSettingsTest, SaveThenLoadGivesTheSameSet) {
   EXPECT_EQ(limits.GetID(), 1);
   EXPECT_EQ(limits.GetName(), QStringLiteral("New limits"));
   EXPECT_FALSE(limits.ReadOnly());
-  const std::vector<MetricLimitRule> rules = {
-      {4120, 0, 10, 0}, {1014, 1, 0.1, 0.3}, {3112, 2, 3, 0}, {3002, 3, 0, 0}, {4001, 4, 0, 0}, {4012, 2, -0.5, 0}};
+  const std::vector<MetricLimitRule> rules = {{4120, 0, 10, 0}, {1014, 1, 0.1, 0.3},
+                                              {3112, 2, 3, 0},  {3002, 3, 0, 0},
+                                              {4001, 4, 0, 0},  {4012, 2, -0.5, 0}};
   limits.SetRules(QStringLiteral("Mine"), rules);
   limits.Save();
 
-  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\1"), QStringLiteral("Version")), QStringLiteral("1.0"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\1"), QStringLiteral("Version")),
+            QStringLiteral("1.0"));
   EXPECT_EQ(GetSetting(QStringLiteral("Limits\\1"), QStringLiteral("Rules")), QStringLiteral("6"));
-  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\1\\Rule2"), QStringLiteral("LimitMin")), QStringLiteral(".1"));
-  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\1\\Rule2"), QStringLiteral("LimitMax")), QStringLiteral(".3"));
-  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\1\\Rule6"), QStringLiteral("Limit")), QStringLiteral("-.5"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\1\\Rule2"), QStringLiteral("LimitMin")),
+            QStringLiteral(".1"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\1\\Rule2"), QStringLiteral("LimitMax")),
+            QStringLiteral(".3"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\1\\Rule6"), QStringLiteral("Limit")),
+            QStringLiteral("-.5"));
   // Outlier rules carry no bound in the store.
   const auto outlierKeys = GetAllSettings(QStringLiteral("Limits\\1\\Rule4"));
   EXPECT_EQ(outlierKeys.size(), 2u);
@@ -152,9 +163,10 @@ TEST_F(LimitsSettingsTest, BuiltInSetsAreNeverSaved) {
 TEST_F(LimitsSettingsTest, LoadKeepsWhatItCanOfAHandEditedSet) {
   WriteSetHead(2, QStringLiteral("Edited"), QStringLiteral("1.0"), QStringLiteral("5"));
   WriteRule(2, 1, QStringLiteral("4120"), QStringLiteral("0"), {{"Limit", "12"}});
-  WriteRule(2, 2, QStringLiteral("4120"), QStringLiteral("7"), {{"Limit", "3"}});       // unknown type
-  WriteRule(2, 3, QStringLiteral("9999"), QStringLiteral("0"), {{"Limit", "3"}});       // unknown metric
-  WriteRule(2, 4, QStringLiteral("1014"), QStringLiteral("1"), {{"LimitMin", ".1"}, {"LimitMax", "abc"}});
+  WriteRule(2, 2, QStringLiteral("4120"), QStringLiteral("7"), {{"Limit", "3"}});  // unknown type
+  WriteRule(2, 3, QStringLiteral("9999"), QStringLiteral("0"), {{"Limit", "3"}});  // unknown metric
+  WriteRule(2, 4, QStringLiteral("1014"), QStringLiteral("1"),
+            {{"LimitMin", ".1"}, {"LimitMax", "abc"}});
   // Rule5 is missing: it reads as metric 0 of type -1 and goes.
 
   MetricLimits limits;
@@ -162,7 +174,8 @@ TEST_F(LimitsSettingsTest, LoadKeepsWhatItCanOfAHandEditedSet) {
   EXPECT_EQ(limits.GetName(), QStringLiteral("Edited"));
   EXPECT_EQ(Rules(limits), (std::vector<MetricLimitRule>{{4120, 0, 12, 0}, {1014, 1, 0.1, 0}}));
   // The store is not touched by loading.
-  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\2\\Rule2"), QStringLiteral("LimitType")), QStringLiteral("7"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\2\\Rule2"), QStringLiteral("LimitType")),
+            QStringLiteral("7"));
 }
 
 TEST_F(LimitsSettingsTest, NegativeRuleCountAndMissingNameReadAsDefaults) {
@@ -181,7 +194,8 @@ TEST_F(LimitsSettingsTest, UnloadableSetsBecomeANewEmptySet) {
   } cases[] = {{nullptr}, {"2.0"}, {"1.5"}, {"abc"}};
   for (const auto& c : cases) {
     DeleteSettingsTree(QStringLiteral("Limits"));
-    if (c.version) WriteSetHead(3, QStringLiteral("Future"), QString::fromUtf8(c.version), QStringLiteral("0"));
+    if (c.version)
+      WriteSetHead(3, QStringLiteral("Future"), QString::fromUtf8(c.version), QStringLiteral("0"));
     SaveSetting(QStringLiteral("Limits\\1"), QStringLiteral("Name"), QStringLiteral("Taken"));
     MetricLimits limits;
     EXPECT_FALSE(limits.Load(3)) << (c.version ? c.version : "absent");
@@ -217,7 +231,8 @@ TEST_F(LimitsSettingsTest, CurrentLimitIdAndItsStalenessRule) {
 
 TEST_F(LimitsSettingsTest, FillListShowsBuiltInsThenStoredSets) {
   WriteSetHead(2, QStringLiteral("Second"), QStringLiteral("1.0"), QStringLiteral("0"));
-  SaveSetting(QStringLiteral("Limits\\7"), QStringLiteral("Version"), QStringLiteral("1.0"));  // no name
+  SaveSetting(QStringLiteral("Limits\\7"), QStringLiteral("Version"),
+              QStringLiteral("1.0"));  // no name
   SaveSetting(QStringLiteral("Limits\\junk"), QStringLiteral("Name"), QStringLiteral("Ignored"));
   MetricLimits::SetCurrentLimitID(2);
 
@@ -228,9 +243,12 @@ TEST_F(LimitsSettingsTest, FillListShowsBuiltInsThenStoredSets) {
   std::vector<std::pair<QString, std::int32_t>> items;
   for (const ChoiceList::Item& item : list.Items()) items.emplace_back(item.text, item.data);
   const std::vector<std::pair<QString, std::int32_t>> expected = {
-      {QStringLiteral("<Default limits>"), -1}, {QStringLiteral("<Require comments>"), -2},
-      {QStringLiteral("<No limits>"), 0},       {QStringLiteral("<Outliers>"), -3},
-      {QStringLiteral("<Outliers, extreme>"), -4}, {QStringLiteral("Second"), 2},
+      {QStringLiteral("<Default limits>"), -1},
+      {QStringLiteral("<Require comments>"), -2},
+      {QStringLiteral("<No limits>"), 0},
+      {QStringLiteral("<Outliers>"), -3},
+      {QStringLiteral("<Outliers, extreme>"), -4},
+      {QStringLiteral("Second"), 2},
       {QStringLiteral("New rules"), 7}};
   EXPECT_EQ(items, expected);
   EXPECT_EQ(list.Selected(), 5);
@@ -261,7 +279,8 @@ TEST_F(LimitsSettingsTest, GenerateTakesTheSmallestFreeNumberAndDeleteRemovesOnl
   MetricLimits::Delete(-1);
   EXPECT_EQ(EnumSubkeys(QStringLiteral("Limits")).size(), 3);
   MetricLimits::Delete(2);
-  EXPECT_EQ(EnumSubkeys(QStringLiteral("Limits")), (QStringList{QStringLiteral("1"), QStringLiteral("3")}));
+  EXPECT_EQ(EnumSubkeys(QStringLiteral("Limits")),
+            (QStringList{QStringLiteral("1"), QStringLiteral("3")}));
   limits.Generate();
   EXPECT_EQ(limits.GetID(), 2);
 }

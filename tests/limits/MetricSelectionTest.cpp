@@ -31,26 +31,36 @@ TEST(MetricSelectionBuiltIn, ListedSelectionsEndWithDateAndDays) {
     const char* metrics;  // abbreviations, blank-separated, DATE and DAYS included
   } cases[] = {
       {-1, "<Simple metrics>",
-       "LINES LLOC LINES LLOC LINES LLOC WMC VARS LINES LLOC CC DCOND STMT STMT STMT STMT READS WRITES RW DATE DAYS"},
+       "LINES LLOC LINES LLOC LINES LLOC WMC VARS LINES LLOC CC DCOND STMT STMT STMT STMT READS "
+       "WRITES RW DATE DAYS"},
       {-6, "<Line counts>",
-       "LINES LLINES LLOC LLOC' LLOW LLOC% LLOC'% LLOW% LINES LLINES LLOC LLOC' LLOW LLOC% LLOC'% LLOW% "
+       "LINES LLINES LLOC LLOC' LLOW LLOC% LLOC'% LLOW% LINES LLINES LLOC LLOC' LLOW LLOC% LLOC'% "
+       "LLOW% "
        "LINES LLINES LLOC LLOC' LLOW LINES LLINES LLOC LLOC' LLOW DATE DAYS"},
       {-2, "<Tarnwick Classic>",
-       "LINES LLOC LLOC' LLOW MCOMM LEN LENP LENV LENC UNIQ LINES LLOC LLOC' LLOW MCOMM SFIN SFOUT LINES LLOC "
-       "LLOC' LLOW LINES LLOC LLOC' LLOW MCOMM CC DCOND DLOOP IFIN IFOUT IFIO IC1 SFIN SFOUT LENP DATE DAYS"},
+       "LINES LLOC LLOC' LLOW MCOMM LEN LENP LENV LENC UNIQ LINES LLOC LLOC' LLOW MCOMM SFIN SFOUT "
+       "LINES LLOC "
+       "LLOC' LLOW LINES LLOC LLOC' LLOW MCOMM CC DCOND DLOOP IFIN IFOUT IFIO IC1 SFIN SFOUT LENP "
+       "DATE DAYS"},
       {-5, "<Complexity metrics>",
-       "CC CC2 CC3 TCC DECDENS SYSC RSYSC IC1 SC DC SYSC maxDCALLT maxSCALLT LLOC LLOC LLOC DCOND DLOOP DCALLT "
+       "CC CC2 CC3 TCC DECDENS SYSC RSYSC IC1 SC DC SYSC maxDCALLT maxSCALLT LLOC LLOC LLOC DCOND "
+       "DLOOP DCALLT "
        "SCALLT SFOUT SFIN SFOUT SFIN TCC CTRL CTRL CTRL CTRL READS WRITES RW FLOWS DATE DAYS"},
       {-11, "<Starter metrics>",
-       "LINES LLOC LLOC' LLOC'% kB STMT FILES PROCS VARS CONSTS UDTS ENUMS ENUMCS VARSgm VARSloc FORMS MDLS DEAD "
-       "CLS LINES LLOC LLOC' LLOC'% PROCS VARS WMC LINES VARS LINES LLOC LLOC' PARAMS CC DCOND READS WRITES RW "
+       "LINES LLOC LLOC' LLOC'% kB STMT FILES PROCS VARS CONSTS UDTS ENUMS ENUMCS VARSgm VARSloc "
+       "FORMS MDLS DEAD "
+       "CLS LINES LLOC LLOC' LLOC'% PROCS VARS WMC LINES VARS LINES LLOC LLOC' PARAMS CC DCOND "
+       "READS WRITES RW "
        "DATE DAYS"},
-      {-10, "<Constant metrics>", "CONSTS dCONSTS ENUMS ENUMCS dENUMS dENUMCS ENUMSZ ENUMR Rc CONSTS DATE DAYS"},
+      {-10, "<Constant metrics>",
+       "CONSTS dCONSTS ENUMS ENUMCS dENUMS dENUMCS ENUMSZ ENUMR Rc CONSTS DATE DAYS"},
       {-7, "<Statement counts>",
-       "STMT STMTd STMTx STMTc STMTnc XQT CTRL STMT STMTd STMTx STMTc STMTnc XQT CTRL STMT STMTd STMTx STMTc "
+       "STMT STMTd STMTx STMTc STMTnc XQT CTRL STMT STMTd STMTx STMTc STMTnc XQT CTRL STMT STMTd "
+       "STMTx STMTc "
        "STMTnc XQT CTRL STMT STMTd STMTx STMTc STMTnc XQT CTRL DATE DAYS"},
       {-8, "<Documentation metrics>",
-       "LLINES LLOC LLOC' LLOC'% MCOMM MCOMM% LEN LENP LENV LENC LLINES LLOC LLOC' LLOC'% LLINES LLOC LLOC' "
+       "LLINES LLOC LLOC' LLOC'% MCOMM MCOMM% LEN LENP LENV LENC LLINES LLOC LLOC' LLOC'% LLINES "
+       "LLOC LLOC' "
        "LLINES LLOC LLOC' MCOMM LENP DATE DAYS"},
   };
   for (const auto& c : cases) {
@@ -129,9 +139,12 @@ TEST_F(LimitsSettingsTest, CreateSaveLoadRenameDelete) {
   EXPECT_EQ(selection.Selected(), Ids({4120, 2012}));
   selection.Save();
 
-  EXPECT_EQ(GetSetting(QStringLiteral("Selections\\1"), QStringLiteral("Name")), QStringLiteral("Sizes"));
-  EXPECT_EQ(GetSetting(QStringLiteral("Selections\\1"), QStringLiteral("Count")), QStringLiteral("2"));
-  EXPECT_EQ(GetSetting(QStringLiteral("Selections\\1"), QStringLiteral("Selected2")), QStringLiteral("2012"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Selections\\1"), QStringLiteral("Name")),
+            QStringLiteral("Sizes"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Selections\\1"), QStringLiteral("Count")),
+            QStringLiteral("2"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Selections\\1"), QStringLiteral("Selected2")),
+            QStringLiteral("2012"));
 
   MetricSelection loaded;
   loaded.Load(1);
@@ -180,13 +193,16 @@ TEST_F(LimitsSettingsTest, CurrentFallsBackToStarterMetrics) {
     std::int16_t expected;
   } cases[] = {{"-1000", -11}, {"-5", -5}, {"0", 0}, {"-40", -40}, {"3", -11}, {"8", 8}};
   SaveSetting(QStringLiteral("Selections\\8"), QStringLiteral("Name"), QStringLiteral("Eight"));
-  SaveSetting(QStringLiteral("Selections\\3"), QStringLiteral("Count"), QStringLiteral("0"));  // no name
+  SaveSetting(QStringLiteral("Selections\\3"), QStringLiteral("Count"),
+              QStringLiteral("0"));  // no name
   for (const auto& c : cases) {
-    SaveSetting(QStringLiteral("Selections"), QStringLiteral("CurrentSelection"), QString::fromUtf8(c.stored));
+    SaveSetting(QStringLiteral("Selections"), QStringLiteral("CurrentSelection"),
+                QString::fromUtf8(c.stored));
     EXPECT_EQ(MetricSelection::Current(), c.expected) << c.stored;
   }
   MetricSelection::SetCurrent(-7);
-  EXPECT_EQ(GetSetting(QStringLiteral("Selections"), QStringLiteral("CurrentSelection")), QStringLiteral("-7"));
+  EXPECT_EQ(GetSetting(QStringLiteral("Selections"), QStringLiteral("CurrentSelection")),
+            QStringLiteral("-7"));
   MetricSelection::Delete(8);
   MetricSelection::SetCurrent(8);
   EXPECT_EQ(MetricSelection::Current(), SelectionSet::Starter);
@@ -207,8 +223,10 @@ TEST_F(LimitsSettingsTest, SelectionFillListOrderAndCurrentItem) {
     data.push_back(item.data);
   }
   EXPECT_EQ(texts.join(QLatin1Char('|')).toStdString(),
-            "<Simple metrics>|<Tarnwick Classic>|<Line counts>|<Object Oriented>|<Complexity metrics>|<All>|"
-            "<Statement counts>|<Documentation metrics>|<Variable metrics>|<Constant metrics>|<Starter metrics>|Mine");
+            "<Simple metrics>|<Tarnwick Classic>|<Line counts>|<Object Oriented>|<Complexity "
+            "metrics>|<All>|"
+            "<Statement counts>|<Documentation metrics>|<Variable metrics>|<Constant "
+            "metrics>|<Starter metrics>|Mine");
   EXPECT_EQ(data, (std::vector<std::int32_t>{-1, -2, -6, -4, -5, -3, -7, -8, -9, -10, -11, 1}));
   EXPECT_EQ(list.Selected(), 11);
 

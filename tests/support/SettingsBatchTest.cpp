@@ -29,21 +29,27 @@ TEST(SettingsBatch, WritesTheFileOnceWhenTheOutermostEnds) {
       SaveSetting(QStringLiteral("Limits\\1"), QStringLiteral("Rules"), QStringLiteral("0"));
     }
     // Readers through the store see the change at once; the file waits.
-    EXPECT_EQ(GetSetting(QStringLiteral("Limits\\1"), QStringLiteral("Rules")), QStringLiteral("0"));
+    EXPECT_EQ(GetSetting(QStringLiteral("Limits\\1"), QStringLiteral("Rules")),
+              QStringLiteral("0"));
     EXPECT_EQ(OnDisk(path, QStringLiteral("Limits"), QStringLiteral("1\\Name")), QString());
   }
-  EXPECT_EQ(OnDisk(path, QStringLiteral("Limits"), QStringLiteral("1\\Name")), QStringLiteral("One"));
-  EXPECT_EQ(OnDisk(path, QStringLiteral("Limits"), QStringLiteral("1\\Rules")), QStringLiteral("0"));
+  EXPECT_EQ(OnDisk(path, QStringLiteral("Limits"), QStringLiteral("1\\Name")),
+            QStringLiteral("One"));
+  EXPECT_EQ(OnDisk(path, QStringLiteral("Limits"), QStringLiteral("1\\Rules")),
+            QStringLiteral("0"));
 
-  SaveSetting(QStringLiteral("Limits\\2"), QStringLiteral("Name"), QStringLiteral("Two"));  // no batch: at once
-  EXPECT_EQ(OnDisk(path, QStringLiteral("Limits"), QStringLiteral("2\\Name")), QStringLiteral("Two"));
+  SaveSetting(QStringLiteral("Limits\\2"), QStringLiteral("Name"),
+              QStringLiteral("Two"));  // no batch: at once
+  EXPECT_EQ(OnDisk(path, QStringLiteral("Limits"), QStringLiteral("2\\Name")),
+            QStringLiteral("Two"));
   SetSettingsFilePath(QString());
 }
 
 TEST(IniFileSections, AllSectionsInOnePassFirstAppearanceCounts) {
   IniFile ini;
-  ini.SetText(QStringLiteral("orphan=1\r\n[Head]\r\nVersion=1.0\r\n; note\r\nName = \"Quoted\"\r\n\r\n"
-                             "[rule1]\r\nMetric=4120\r\n[HEAD]\r\nVersion=9\r\n[]\r\nEmpty=1\r\n"));
+  ini.SetText(
+      QStringLiteral("orphan=1\r\n[Head]\r\nVersion=1.0\r\n; note\r\nName = \"Quoted\"\r\n\r\n"
+                     "[rule1]\r\nMetric=4120\r\n[HEAD]\r\nVersion=9\r\n[]\r\nEmpty=1\r\n"));
   const auto sections = ini.Sections();
   ASSERT_EQ(sections.size(), 3u);
   EXPECT_EQ(sections[0].first, QStringLiteral("Head"));
