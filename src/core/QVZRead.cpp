@@ -434,7 +434,8 @@ bool QVZRead::WalkSeries() {
       }
       m_position += valueBytes;
       slot.SeriesUsable[j] = header.Usable();
-      if (valueBytes > 0) slot.LongestStoredSeries = std::max(slot.LongestStoredSeries, header.Count);
+      if (valueBytes > 0)
+        slot.LongestStoredSeries = std::max(slot.LongestStoredSeries, header.Count);
     }
   }
   if (failed) return false;

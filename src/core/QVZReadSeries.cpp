@@ -15,7 +15,7 @@ namespace ombrelle {
 namespace {
 
 // Metrics with a rule of their own.
-constexpr MetricId kProjectDateMetric = 1000;     // from the header's stamp when not stored
+constexpr MetricId kProjectDateMetric = 1000;      // from the header's stamp when not stored
 constexpr MetricId kGlobalVariablesMetric = 1207;  // stored when the variable class is
 
 // Carries the Sorter's events to the reader's row-order callbacks.
@@ -84,8 +84,7 @@ void QVZRead::LoadRowNames() {
       if (believable && length > 0 && offset + length <= m_fileLength) {
         QByteArray text(length, Qt::Uninitialized);
         if (ReadExact(offset, text.data(), length)) {
-          const int codepage =
-              (block.Encoding & kRowEncodingUtf8) ? kCodepageUtf8 : kCodepageAnsi;
+          const int codepage = (block.Encoding & kRowEncodingUtf8) ? kCodepageUtf8 : kCodepageAnsi;
           names = MultiByteToText(text, codepage).split(QChar(u'\0'));
           if (names.size() > slot.ItemCount) names.resize(slot.ItemCount);
         }
@@ -280,8 +279,7 @@ bool QVZRead::ReadSeries(MetricId metric, CStats& stats, int32_t expectedCount) 
   const FormulaCalculator calculator;
   return calculator.Evaluate(
       formula,
-      [&](int32_t term, CStats& column) { return ReadSeries(term, column, expectedCount); },
-      stats);
+      [&](int32_t term, CStats& column) { return ReadSeries(term, column, expectedCount); }, stats);
 }
 
 bool QVZRead::ReadAggregate(MetricId metric, int32_t kind, double& value) {

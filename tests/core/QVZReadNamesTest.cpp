@@ -60,13 +60,26 @@ QStringList NamesOf(QVZRead& reader, int metricClass, std::vector<int32_t>* orde
 TEST(QVZReadNames, DecodesEveryVersionAndEncoding) {
   const QString cut127 = QString(127, u'x');
   const std::vector<NamesCase> cases = {
-      {"v3 UTF-8", 3.0f, 3, 3, {"Grüße.c", "日本語.cpp", "a b "}, {}, 2,
+      {"v3 UTF-8",
+       3.0f,
+       3,
+       3,
+       {"Grüße.c", "日本語.cpp", "a b "},
+       {},
+       2,
        {"Grüße.c", "日本語.cpp", "a b "}},
       {"v3 1252", 3.0f, 1, 2, {"café€.c", "naïve"}, {}, 0, {"café€.c", "naïve"}},
       // The block's own Encoding decides, whatever the header says.
-      {"v3 1252 block in UTF-8 file", 3.0f, 3, 1, {}, QByteArray("caf\xE9\x80", 5), 0,
-       {"café€"}},
-      {"v3 UTF-8 invalid byte", 3.0f, 3, 1, {}, QByteArray("a\xFF" "b", 3), 2,
+      {"v3 1252 block in UTF-8 file", 3.0f, 3, 1, {}, QByteArray("caf\xE9\x80", 5), 0, {"café€"}},
+      {"v3 UTF-8 invalid byte",
+       3.0f,
+       3,
+       1,
+       {},
+       QByteArray("a\xFF"
+                  "b",
+                  3),
+       2,
        {QStringLiteral("a\uFFFDb")}},
       {"v3 empty names between", 3.0f, 3, 3, {}, QByteArray("a\0\0c", 4), 2, {"a", "", "c"}},
       {"v3 fewer names", 3.0f, 3, 4, {"a", "b"}, {}, 2, {"a", "b", "#3", "#4"}},

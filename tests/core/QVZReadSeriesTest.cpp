@@ -39,11 +39,19 @@ QvzFixture SampleProject() {
   f.flags = 2;  // UTF-8, rows not sorted
   ClassSpec& project = f.AddClass(0, 1);
   project.rowNames = {"sample"};
-  for (const auto& [metric, value] :
-       std::vector<std::pair<int32_t, double>>{{1009, 100}, {1010, 20}, {1011, 30}, {1201, 4},
-                                               {1202, 5}, {1203, 6}, {1206, 2}, {1221, 1},
-                                               {1222, 2}, {1223, 3}, {1400, 10}, {1401, 4},
-                                               {1402, 5}})
+  for (const auto& [metric, value] : std::vector<std::pair<int32_t, double>>{{1009, 100},
+                                                                             {1010, 20},
+                                                                             {1011, 30},
+                                                                             {1201, 4},
+                                                                             {1202, 5},
+                                                                             {1203, 6},
+                                                                             {1206, 2},
+                                                                             {1221, 1},
+                                                                             {1222, 2},
+                                                                             {1223, 3},
+                                                                             {1400, 10},
+                                                                             {1401, 4},
+                                                                             {1402, 5}})
     project.series.push_back(One(metric, value));
 
   ClassSpec& files = f.AddClass(1, 3);
@@ -208,24 +216,24 @@ TEST_F(QVZReadSeriesTest, SeriesListedUnderAForeignClassAreFoundByTheSeek) {
 TEST_F(QVZReadSeriesTest, DerivedColumnsEqualTheHandCalculation) {
   Open(SampleProject());
   const std::vector<std::pair<MetricId, Column>> cases = {
-      {1008, {150}},                 // LLOC + LLOC' + LLOW
-      {1012, {100.0 / 150}},         // LLOC / LLINES
-      {2011, {20, 8, 0}},            // per file
-      {2015, {0.5, 0.75, 0}},        // a zero divisor gives 0
-      {1230, {0.4}},                 // DEAD: (1 + 2 + 3) / (4 + 5 + 6)
-      {1421, {1.2}},                 // S: (10 - 4) / (10 - 5)
-      {1285, {0.25}},                // ENUMR: 2 / (2 + 6)
-      {1620, {6}},                   // sum of IOg over procedures
-      {1621, {14}},                  // sum of IOp
-      {1622, {0.3}},                 // IOg%: 6 / (14 + 6)
-      {4160, {4, 9, 0}},             // SC: SFOUT squared
-      {4162, {100, 200, 300}},       // stored SYSC wins over SC + DC
-      {5012, {10, 2}},               // WRITES * 2 + READS
-      {1600, {4}},                   // TREADS
-      {1602, {8}},                   // TREADS + TWRITES
-      {1603, {0.08}},                // TRW / LLOC
-      {1100, {12}},                  // STMT summed over files
-      {1325, {9}},                   // maximum of DCALLT
+      {1008, {150}},            // LLOC + LLOC' + LLOW
+      {1012, {100.0 / 150}},    // LLOC / LLINES
+      {2011, {20, 8, 0}},       // per file
+      {2015, {0.5, 0.75, 0}},   // a zero divisor gives 0
+      {1230, {0.4}},            // DEAD: (1 + 2 + 3) / (4 + 5 + 6)
+      {1421, {1.2}},            // S: (10 - 4) / (10 - 5)
+      {1285, {0.25}},           // ENUMR: 2 / (2 + 6)
+      {1620, {6}},              // sum of IOg over procedures
+      {1621, {14}},             // sum of IOp
+      {1622, {0.3}},            // IOg%: 6 / (14 + 6)
+      {4160, {4, 9, 0}},        // SC: SFOUT squared
+      {4162, {100, 200, 300}},  // stored SYSC wins over SC + DC
+      {5012, {10, 2}},          // WRITES * 2 + READS
+      {1600, {4}},              // TREADS
+      {1602, {8}},              // TREADS + TWRITES
+      {1603, {0.08}},           // TRW / LLOC
+      {1100, {12}},             // STMT summed over files
+      {1325, {9}},              // maximum of DCALLT
   };
   for (const auto& [metric, expected] : cases) {
     ExpectColumn(Read(metric), expected, std::to_string(metric));
@@ -268,15 +276,15 @@ TEST_F(QVZReadSeriesTest, SummariesComeFromSeriesHeadersAlone) {
 TEST_F(QVZReadSeriesTest, SingleValuesOfStoredAndDerivedMetrics) {
   Open(SampleProject());
   const std::vector<std::pair<MetricId, double>> cases = {
-      {1009, 100},                         // stored: its mean
-      {2012, 16.0 / 3},                    // stored column: its mean
-      {1008, 150},                         // whole number, one project row: from terms
-      {1230, 0.4},                         // DEAD over single values
-      {2015, (0.5 + 0.75 + 0) / 3},        // a quotient over several rows: mean of the rows
+      {1009, 100},                           // stored: its mean
+      {2012, 16.0 / 3},                      // stored column: its mean
+      {1008, 150},                           // whole number, one project row: from terms
+      {1230, 0.4},                           // DEAD over single values
+      {2015, (0.5 + 0.75 + 0) / 3},          // a quotient over several rows: mean of the rows
       {2011, 16.0 / 3 + 4.0 / 3 + 8.0 / 3},  // whole number: formula over the terms' means
-      {1600, 4},                           // stored summary
+      {1600, 4},                             // stored summary
       {1325, 9},
-      {4162, 200},                         // stored wins
+      {4162, 200},  // stored wins
   };
   for (const auto& [metric, expected] : cases) {
     double value = -1;
@@ -303,8 +311,8 @@ TEST_F(QVZReadSeriesTest, LoadedHeadersServeSingleValuesWithoutTheFile) {
 
   m_reader.CloseDatabaseFile();
   ASSERT_TRUE(QFile::remove(m_path));
-  const std::vector<std::pair<MetricId, double>> cases = {
-      {1009, 100}, {1230, 0.4}, {1008, 150}, {1600, 4}, {1325, 9}, {1622, 0.3}};
+  const std::vector<std::pair<MetricId, double>> cases = {{1009, 100}, {1230, 0.4}, {1008, 150},
+                                                          {1600, 4},   {1325, 9},   {1622, 0.3}};
   for (const auto& [metric, expected] : cases) {
     double value = -1;
     ASSERT_TRUE(m_reader.ReadSingleValue(metric, value)) << metric;

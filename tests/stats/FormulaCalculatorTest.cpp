@@ -53,8 +53,10 @@ TEST(FormulaCalculator, EvaluatesEveryFormulaShape) {
       // IFIO: a product.
       {"product", Formula({1, 2}, {1}), {{3, 0}, {4, 9}}, {12, 0}},
       // DEAD with terms 1..6: (1 + 2 + 3) / (4 + 5 + 6).
-      {"DEAD", Formula({1, 2, 3, 4, 5, 6}, {0, 0, 4, 0, 0, 5, 2}),
-       {{1}, {2}, {3}, {4}, {5}, {6}}, {0.4}},
+      {"DEAD",
+       Formula({1, 2, 3, 4, 5, 6}, {0, 0, 4, 0, 0, 5, 2}),
+       {{1}, {2}, {3}, {4}, {5}, {6}},
+       {0.4}},
       // S with CLS 10, ROOTS 4, LEAFS 5: (10 - 4) / (10 - 5).
       {"S", Formula({1, 2, 3, 4}, {3, 4, 3, 5, 2}), {{10}, {4}, {10}, {5}}, {1.2}},
       // ENUMR: ENUMCS / (ENUMCS + CONSTS) with 3 and 1.
