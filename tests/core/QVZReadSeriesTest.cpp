@@ -350,3 +350,18 @@ TEST_F(QVZReadSeriesTest, ConstantColumnsLongerThanTheClassCanHoldAreRefused) {
   EXPECT_FALSE(m_reader.ReadSeries(2001, s, 0));
   ExpectColumn(Read(2002), {1, 1}, "within the class");
 }
+
+TEST_F(QVZReadSeriesTest, OlderFilesStoreDoublesForEveryRow) {
+  QvzFixture f;
+  f.version = 2.0f;
+  ClassSpec& files = f.AddClass(1, 2);
+  files.rowNames = {"a.c", "b.c"};
+  files.series.push_back(SeriesSpec::Stored(2012, 0, {1.5, 2.5}));
+  files.series.push_back(SeriesSpec::Stored(2013, 0, {0.5, 0}));
+  Open(f);
+  ExpectColumn(Read(2012), {1.5, 2.5}, "LLOC");
+  ExpectColumn(Read(2013, 2), {0.5, 0}, "LLOC'");
+  double value = 0;
+  ASSERT_TRUE(m_reader.ReadValueForRow(2013, "A.C", value));
+  EXPECT_DOUBLE_EQ(value, 0.5);
+}
