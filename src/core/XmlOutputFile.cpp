@@ -61,8 +61,8 @@ bool XmlOutputFile::Create(const QString& path) {
   for (int attempt = 0; attempt < 100; ++attempt) {
     const QString candidate =
         path + QStringLiteral(".%1.tmp").arg(random() % 0x1000000, 6, 16, QLatin1Char('0'));
-    const int fd = ::open(Native(candidate).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
-                          0666);
+    const int fd =
+        ::open(Native(candidate).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd >= 0) {
       m_fd = fd;
       m_tempPath = candidate;

@@ -59,11 +59,15 @@ int XmlNumber(double value, char* out) {
     return 1;
   }
 
+  // Whole numbers of up to 15 digits are written as they are: the common case.
+  if (std::fabs(value) < 1e15 && value == std::trunc(value))
+    return static_cast<int>(
+        std::to_chars(out, out + kXmlNumberMaxBytes, static_cast<long long>(value)).ptr - out);
+
   // Fifteen significant digits, rounded once: "d.dddddddddddddde+XX".
   char sci[kXmlNumberMaxBytes];
   const auto sciEnd =
-      std::to_chars(sci, sci + sizeof sci, std::fabs(value), std::chars_format::scientific, 14)
-          .ptr;
+      std::to_chars(sci, sci + sizeof sci, std::fabs(value), std::chars_format::scientific, 14).ptr;
   char digits[15];
   digits[0] = sci[0];
   std::memcpy(digits + 1, sci + 2, 14);

@@ -65,8 +65,8 @@ TEST(QVZ2XMLOutputFile, WritesEveryPieceInOrderAcrossBufferBoundaries) {
     expected += QByteArray::fromStdString(piece);
     out.WriteEscaped(QString::fromUtf8("R&D \xC3\xA9t\xC3\xA9 ") + QString(i * 3, QChar(0x9AD8)) +
                      QString(i, QLatin1Char('x')));
-    expected += "R&#38;D &#233;t&#233; " + QByteArray(i * 3, 0).replace(QByteArray(1, 0), "&#39640;") +
-                QByteArray(i, 'x');
+    expected += "R&#38;D &#233;t&#233; " +
+                QByteArray(i * 3, 0).replace(QByteArray(1, 0), "&#39640;") + QByteArray(i, 'x');
     out.WriteNumber(i / 4.0);
     QByteArray number = QByteArray::number(i / 4.0);
     if (number.startsWith("0.")) number.remove(0, 1);

@@ -42,7 +42,9 @@ QvzFixture SampleDatabase() {
   files.series = {SeriesSpec::Stored(2001, 2, {120, 7}),
                   SeriesSpec::Stored(2031, 0, {45321.5, 45000.25})};
   auto& procedures = f.AddClass(3, 3);
-  procedures.rowNames = {QStringLiteral("Main"), QString::fromUtf8("Gr\xC3\xB6\xC3\x9F" "e"),
+  procedures.rowNames = {QStringLiteral("Main"),
+                         QString::fromUtf8("Gr\xC3\xB6\xC3\x9F"
+                                           "e"),
                          QString::fromUtf8("\xE8\xA8\x88\xE7\xAE\x97'x")};
   procedures.series = {SeriesSpec::Stored(4050, 1, {4, 10, 3}),
                        SeriesSpec::Stored(4051, 1, {2, 5, 3})};
@@ -65,10 +67,12 @@ const char* const kSampleExport =
     "  <rows>\r\n"
     "   <row>R&#38;D K&#246;ln &#39640;</row>\r\n"
     "  </rows>\r\n"
-    "  <metric id='1000' abbr='DATE' name='Project date' descr='Date of newest file in project.'>\r\n"
+    "  <metric id='1000' abbr='DATE' name='Project date' descr='Date of newest file in "
+    "project.'>\r\n"
     "   <value display='2024-01-31'>45322.9999884259</value>\r\n"
     "  </metric>\r\n"
-    "  <metric id='1002' abbr='LINES' name='Physical lines' descr='Physical source lines, including "
+    "  <metric id='1002' abbr='LINES' name='Physical lines' descr='Physical source lines, "
+    "including "
     "code, comments, empty comments and empty lines. This metric is what you would see with a "
     "simple text editor or line count program.'>\r\n"
     "   <value display='1235k'>1234567</value>\r\n"
@@ -80,7 +84,8 @@ const char* const kSampleExport =
     "   <row>src/a&#38;b.bas</row>\r\n"
     "   <row>src/&#196;rger.bas</row>\r\n"
     "  </rows>\r\n"
-    "  <metric id='2001' abbr='LINES' name='Physical lines' descr='Physical source lines, including "
+    "  <metric id='2001' abbr='LINES' name='Physical lines' descr='Physical source lines, "
+    "including "
     "code, comments, empty comments and empty lines. This metric is what you would see with a "
     "simple text editor or line count program.'>\r\n"
     "   <value display='120'>120</value>\r\n"
@@ -154,8 +159,7 @@ void WriteBytes(const QString& path, const QByteArray& bytes) {
 }
 
 QStringList Entries(const QString& folder) {
-  return QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
-                                QDir::Name);
+  return QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name);
 }
 
 // Every exported file must be well-formed XML to an outside reader.
@@ -328,8 +332,8 @@ TEST_F(QVZ2XMLExport, InputThatIsNoDatabaseCannotBeLocated) {
   EXPECT_FALSE(SaveQVZ2XML(input, output, true));
   ASSERT_FALSE(m_ui.messages.empty());
   // The reader says first why the named file failed; then the export.
-  EXPECT_UI_MESSAGE(m_ui, m_ui.messages.size() - 1, ("Cannot locate or open " + input).toStdString(),
-                    kExclamation);
+  EXPECT_UI_MESSAGE(m_ui, m_ui.messages.size() - 1,
+                    ("Cannot locate or open " + input).toStdString(), kExclamation);
   EXPECT_EQ(m_ui.messages.back().title, kTitle);
   EXPECT_EQ(ReadAll(output), "<missing>");
 }
@@ -355,8 +359,9 @@ TEST_F(QVZ2XMLExport, MadeNameThatCannotBeCreatedOffersTheSaveDialog) {
   QString output;
   EXPECT_FALSE(SaveQVZ2XML(input, output, false));
   EXPECT_ONLY_UI_MESSAGE(
-      m_ui, ("Failed to create file " + Path("sample.xml") + "\r\n\r\nError #21: Is a directory")
-                .toStdString(),
+      m_ui,
+      ("Failed to create file " + Path("sample.xml") + "\r\n\r\nError #21: Is a directory")
+          .toStdString(),
       kExclamation);
   EXPECT_EQ(m_ui.messages[0].title, kTitle);
   ASSERT_EQ(m_ui.fileRequests.size(), 1u);

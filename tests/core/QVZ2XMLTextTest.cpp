@@ -26,10 +26,10 @@ TEST(QVZ2XMLEscape, ReferencesEveryCodeOutsidePrintableAscii) {
       {QStringLiteral("line\r\nbreak"), "line&#13;&#10;break"},
       {QString(QChar(0)), "&#0;"},
       {QString(QChar(31)) + QChar(32) + QChar(126) + QChar(127), "&#31; ~&#127;"},
-      {QString::fromUtf8("K\xC3\xB6ln"), "K&#246;ln"},                 // o with diaeresis, 246
-      {QString(QChar(0x9AD8)), "&#39640;"},                           // above 32767: positive
-      {QString(QChar(0xFFFF)), "&#65535;"},                           // the largest code
-      {QString::fromUtf8("\xF0\x9F\x98\x80"), "&#55357;&#56832;"},    // each 16-bit half
+      {QString::fromUtf8("K\xC3\xB6ln"), "K&#246;ln"},              // o with diaeresis, 246
+      {QString(QChar(0x9AD8)), "&#39640;"},                         // above 32767: positive
+      {QString(QChar(0xFFFF)), "&#65535;"},                         // the largest code
+      {QString::fromUtf8("\xF0\x9F\x98\x80"), "&#55357;&#56832;"},  // each 16-bit half
       {QStringLiteral("plain text 0-9 {[]}|~/\\=?!"), "plain text 0-9 {[]}|~/\\=?!"},
       {QString(), ""},
   };

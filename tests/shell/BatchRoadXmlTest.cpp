@@ -97,9 +97,9 @@ class BatchRoadXml : public ::testing::Test {
 };
 
 TEST_F(BatchRoadXml, SwitchAloneReportsAMissingFileWithAnEmptyName) {
-  for (const QString& option : {"/SAVEXML", "/savexmldel", "/SAVEXMLDELS"}) {
-    const RunResult run = Run({option});
-    EXPECT_EQ(run.err.toStdString(), "Save metrics as XML: File not found:\r\n\n") << option.toStdString();
+  for (const char* option : {"/SAVEXML", "/savexmldel", "/SAVEXMLDELS"}) {
+    const RunResult run = Run({QString::fromLatin1(option)});
+    EXPECT_EQ(run.err.toStdString(), "Save metrics as XML: File not found:\r\n\n") << option;
     EXPECT_EQ(run.out.toStdString(), "");
   }
   EXPECT_TRUE(QDir(m_dir.path()).isEmpty());
@@ -109,14 +109,19 @@ TEST_F(BatchRoadXml, SaveXmlWritesTheDocumentAndConfirmsOnStandardOutput) {
   const QString input = WriteDatabase(Path("batch.qvz"));
   const RunResult run = Run({"batch.qvz", "/SAVEXML"});  // relative to the current folder
   EXPECT_EQ(run.err.toStdString(), "");
-  EXPECT_EQ(run.out.toStdString(), ("Save metrics as XML: Metrics saved to " + Path("batch.xml") + "\n").toStdString());
+  EXPECT_EQ(run.out.toStdString(),
+            ("Save metrics as XML: Metrics saved to " + Path("batch.xml") + "\n").toStdString());
   const QByteArray xml = ReadAll(Path("batch.xml"));
-  EXPECT_TRUE(xml.startsWith("<?xml version=\"1.0\"?>\r\n<qvz>\r\n")) << xml.left(100).toStdString();
+  EXPECT_TRUE(xml.startsWith("<?xml version=\"1.0\"?>\r\n<qvz>\r\n"))
+      << xml.left(100).toStdString();
   EXPECT_TRUE(xml.contains(" <system>Batch &#38; co &#60;2024-01-31&#62;</system>\r\n"));
-  EXPECT_TRUE(xml.contains("  <rows>\r\n   <row>First</row>\r\n   <row>Second</row>\r\n  </rows>\r\n"));
-  EXPECT_TRUE(xml.contains("   <value display='3'>3</value>\r\n   <value display='3'>3</value>\r\n"));
-  EXPECT_TRUE(xml.endsWith(" <class cls='4' name='Variable'>\r\n  <!-- Variable metrics -->\r\n"
-                           " </class>\r\n</qvz>\r\n"));
+  EXPECT_TRUE(
+      xml.contains("  <rows>\r\n   <row>First</row>\r\n   <row>Second</row>\r\n  </rows>\r\n"));
+  EXPECT_TRUE(
+      xml.contains("   <value display='3'>3</value>\r\n   <value display='3'>3</value>\r\n"));
+  EXPECT_TRUE(
+      xml.endsWith(" <class cls='4' name='Variable'>\r\n  <!-- Variable metrics -->\r\n"
+                   " </class>\r\n</qvz>\r\n"));
   EXPECT_TRUE(QFile::exists(input));  // kept without a DEL switch
   ExpectXmllintAccepts(Path("batch.xml"));
 }
@@ -170,10 +175,10 @@ TEST_F(BatchRoadXml, FailingExportKeepsTheInput) {
 
   // An output that cannot be created.
   run = Run({"/SAVEXMLDELS", input, Path("missing/out.xml")});
-  EXPECT_EQ(run.err.toStdString(), ("Save metrics as XML: Failed to create file " +
-                                    Path("missing/out.xml") +
-                                    "\r\n\r\nError #2: No such file or directory\n")
-                                       .toStdString());
+  EXPECT_EQ(run.err.toStdString(),
+            ("Save metrics as XML: Failed to create file " + Path("missing/out.xml") +
+             "\r\n\r\nError #2: No such file or directory\n")
+                .toStdString());
   EXPECT_TRUE(QFile::exists(input));
 }
 
