@@ -51,6 +51,14 @@ QString GetSetting(const QString& section, const QString& key, const QString& de
   return value.isValid() ? value.toString() : defaultValue;
 }
 
+double GetSettingNumber(const QString& section, const QString& key, double defaultValue) {
+  const QVariant value = Store()->value(KeyPath(section, key));
+  if (!value.isValid()) return defaultValue;
+  bool ok = false;
+  const double number = value.toString().trimmed().toDouble(&ok);
+  return ok ? number : 0.0;
+}
+
 void SaveSetting(const QString& section, const QString& key, const QString& value) {
   Store()->setValue(KeyPath(section, key), value);
   Store()->sync();

@@ -14,6 +14,10 @@ namespace ombrelle {
 
 // Reads one value; `defaultValue` when the key is absent.
 QString GetSetting(const QString& section, const QString& key, const QString& defaultValue = {});
+// Reads one value as a number: `defaultValue` when the key is absent, 0 when
+// its text is not a number (blanks around it are allowed, "." is the decimal
+// point).
+double GetSettingNumber(const QString& section, const QString& key, double defaultValue = 0);
 // Writes one value and flushes the file (written to a temporary name and
 // renamed into place).
 void SaveSetting(const QString& section, const QString& key, const QString& value);
