@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
 #include <QDate>
 #include <QFileInfo>
@@ -11,6 +10,7 @@
 #include "core/MetricSaveFields.h"
 #include "stats/CStats.h"
 #include "support/Codepage.h"
+#include "support/StringList.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
@@ -18,21 +18,6 @@ namespace ombrelle {
 namespace {
 
 void ShowExclamation(const QString& text) { Ui().MsgBox(text, MsgStyle::Exclamation, QString()); }
-
-// Sorts the names case-insensitively, equal names keeping their order, and
-// returns with each name the 1-based row it came from.
-void SortRowNames(const QStringList& names, std::vector<int32_t>& positions,
-                  QStringList& sorted) {
-  std::vector<int32_t> order(static_cast<size_t>(names.size()));
-  std::iota(order.begin(), order.end(), 1);
-  std::stable_sort(order.begin(), order.end(), [&names](int32_t a, int32_t b) {
-    return QString::compare(names.at(a - 1), names.at(b - 1), Qt::CaseInsensitive) < 0;
-  });
-  sorted.clear();
-  sorted.reserve(names.size());
-  for (const int32_t row : order) sorted.append(names.at(row - 1));
-  positions = std::move(order);
-}
 
 }  // namespace
 
@@ -108,11 +93,15 @@ void MetricSave::AddClass(int classNr, int32_t itemCount, const QStringList& nam
   m_pendingMetrics.clear();
 
   // Only the first itemCount names belong to rows: the reader drops the rest,
-  // so they must not take part in the sort either. Rows without a name keep
-  // their place behind the named ones.
+  // so they must not take part in the sort either. Each name carries its row
+  // through the sort; rows without a name keep their place behind the named
+  // ones.
   RowList rows;
-  SortRowNames(names.mid(0, itemCount), rows.Positions, rows.Names);
-  for (int32_t row = static_cast<int32_t>(rows.Positions.size()) + 1; row <= itemCount; ++row)
+  const qsizetype named = std::min<qsizetype>(names.size(), itemCount);
+  for (qsizetype i = 0; i < named; ++i) rows.Names.Add(names.at(i), static_cast<int32_t>(i + 1));
+  rows.Names.Sort(StringCompare::Text);
+  rows.Positions = rows.Names.ToDataArray();
+  for (int32_t row = static_cast<int32_t>(named) + 1; row <= itemCount; ++row)
     rows.Positions.push_back(row);
   m_rowLists.push_back(std::move(rows));
 }
@@ -144,7 +133,7 @@ bool MetricSave::SaveClasses() {
 }
 
 QByteArray MetricSave::RowNameBlock(const RowList& rows) const {
-  const QString joined = rows.Names.join(QChar(u'\0'));
+  const QString joined = rows.Names.ToArray().join(QChar(u'\0'));
   // Only NUL separators (no names, or only empty ones) make an empty block.
   const bool empty =
       std::all_of(joined.cbegin(), joined.cend(), [](QChar c) { return c == u'\0'; });
@@ -190,8 +179,7 @@ bool MetricSave::SaveSeries(CStats& stats) {
   header.Median = stats.Median();
   header.Q5 = stats.Q5();
   header.Q95 = stats.Q95();
-  const ValueEncoding encoding =
-      ChooseValueEncoding(MetricFormatOf(id), stats.Min, stats.Max);
+  const ValueEncoding encoding = ChooseValueEncoding(MetricFormatOf(id), stats.Min, stats.Max);
   header.ValueKind = encoding.Kind;
   header.ValueSize = encoding.Size;
 

@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include "core/QVZFormat.h"
+#include "support/StringList.h"
 
 class QSaveFile;
 
@@ -35,8 +36,7 @@ class MetricSave {
   // Starts a new database `file` (a generated name in the save folder when
   // empty) and writes a first header. False, after a box, when the file
   // cannot be made.
-  bool SaveDatabase(const QString& file, const QString& title, const QString& project,
-                    double date);
+  bool SaveDatabase(const QString& file, const QString& title, const QString& project, double date);
   // Declares a class with `itemCount` rows named `names` (in row order). The
   // `rowKeys` are kept beside the names; version 3 does not store them.
   void AddClass(int classNr, int32_t itemCount, const QStringList& names,
@@ -81,10 +81,10 @@ class MetricSave {
   static QString SavedByText();
 
  private:
-  // The row names of one class sorted, with the original 1-based position of
-  // each: Positions[i] is the row whose value goes to place i + 1.
+  // The row names of one class, sorted, each with its original 1-based row
+  // as Data; Positions[i] is the row whose value goes to place i + 1.
   struct RowList {
-    QStringList Names;
+    StringList Names;
     std::vector<int32_t> Positions;
   };
 
@@ -105,7 +105,7 @@ class MetricSave {
   std::vector<QStringList> m_classNames;
   std::vector<std::vector<int32_t>> m_classRowKeys;
   std::vector<std::vector<int32_t>> m_classMetrics;  // metric ids
-  std::vector<int32_t> m_pendingMetrics;  // ids of the class being declared
+  std::vector<int32_t> m_pendingMetrics;             // ids of the class being declared
   std::vector<RowList> m_rowLists;
   bool m_classesSaved = false;
   int m_nextClass = 0;   // 1-based; 0 before the first series

@@ -1,9 +1,10 @@
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QStandardPaths>
 
 #include "core/MetricSave.h"
 #include "core/MetricSaveFields.h"
+#include "support/FileIO.h"
+#include "support/Filename.h"
 #include "support/SettingsStore.h"
 #include "support/UiServices.h"
 
@@ -13,8 +14,6 @@ namespace {
 
 const QString kDatabasesSection = QStringLiteral("Databases");
 const QString kSavePathKey = QStringLiteral("SavePath");
-
-bool IsFolder(const QString& path) { return !path.isEmpty() && QFileInfo(path).isDir(); }
 
 // The characters a generated name keeps: digits, "@" to "Z", "a" to "z",
 // "+", "_", blank, "-" and ".".
@@ -43,9 +42,8 @@ void MetricSave::StoreInRegistry(const QString& folder) {
 
 QString MetricSave::GenerateDatabasename(const QString& name, double date, const QString& folder,
                                          const QString& extension) {
-  QString target = folder.isEmpty() ? GetDatabaseDirectory() : folder;
+  const QString target = folder.isEmpty() ? GetDatabaseDirectory() : folder;
   if (target.isEmpty()) return QString();
-  if (!target.endsWith(u'/')) target += u'/';
 
   QString filtered;
   int dots = 0;
@@ -63,10 +61,10 @@ QString MetricSave::GenerateDatabasename(const QString& name, double date, const
 
   // A name taken by another save of the day gets a letter, "a" and the codes
   // after it, one at a time.
-  QString path = target + base + extension;
+  QString path = JoinPath(target, base + extension);
   for (char16_t letter = u'a'; QFileInfo::exists(path); ++letter) {
     if (letter >= 0xD800) return QString();  // no single character left
-    path = target + base + QChar(letter) + extension;
+    path = JoinPath(target, base + QChar(letter) + extension);
   }
   return path;
 }
@@ -74,7 +72,7 @@ QString MetricSave::GenerateDatabasename(const QString& name, double date, const
 QString MetricSave::GetDatabaseDirectory() {
   const auto current = [] {
     const QString folder = GetSetting(kDatabasesSection, kSavePathKey);
-    return IsFolder(folder) ? folder : QString();
+    return FolderExists(folder) ? folder : QString();
   };
   QString folder = current();
   if (folder.isEmpty()) {
@@ -86,15 +84,15 @@ QString MetricSave::GetDatabaseDirectory() {
 
 bool MetricSave::Configure() {
   QString start = GetSetting(kDatabasesSection, kSavePathKey);
-  if (!IsFolder(start)) {
-    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    start = IsFolder(documents) ? documents + QStringLiteral("/Ombrelle")
-                                : QCoreApplication::applicationDirPath();
+  if (!FolderExists(start)) {
+    const QString documents = GetSpecialFolder(SpecialFolder::Documents);
+    start = FolderExists(documents) ? JoinPath(documents, QStringLiteral("Ombrelle"))
+                                    : QCoreApplication::applicationDirPath();
   }
   const QString answer =
       Ui().BrowseFolder(QStringLiteral("Choose directory for saving metrics files in"), start);
   if (answer.isEmpty()) return false;
-  if (IsFolder(answer))
+  if (FolderExists(answer))
     SaveSetting(kDatabasesSection, kSavePathKey, answer);
   else
     DeleteSetting(kDatabasesSection, kSavePathKey);

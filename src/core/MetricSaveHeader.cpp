@@ -4,12 +4,13 @@
 
 #include "core/MetricSave.h"
 #include "core/MetricSaveFields.h"
+#include "support/FormatNum.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
 
 QString MetricSave::SavedByText() {
-  return UiServices::AppTitle() + QLatin1Char(' ') + QStringLiteral(OMBRELLE_VERSION);
+  return UiServices::AppTitle() + QLatin1Char(' ') + VersionText(true);
 }
 
 bool MetricSave::EditHeader(const QString& file, const QString& title, const QString& project,

@@ -34,8 +34,8 @@ class EditHeaderTest : public ::testing::Test {
     save.AddMetricToClass(2015);
     save.ClassDone();
     EXPECT_TRUE(save.SaveClasses());
-    for (const std::vector<double>& values : {std::vector<double>{1, 500, 70000},
-                                              std::vector<double>{0.1, 0.5, 0.9}}) {
+    for (const std::vector<double>& values :
+         {std::vector<double>{1, 500, 70000}, std::vector<double>{0.1, 0.5, 0.9}}) {
       CStats s;
       s.Init(3);
       for (double v : values) s.AddValue(v);

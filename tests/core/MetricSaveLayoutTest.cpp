@@ -61,7 +61,8 @@ TEST_F(MetricSaveLayout, SmallFileMatchesHandComputedBytes) {
   const QString path = Path(QStringLiteral("small.qvz"));
   {
     MetricSave save;
-    ASSERT_TRUE(save.SaveDatabase(path, QStringLiteral("Title \u00e9"), QStringLiteral("proj"), date));
+    ASSERT_TRUE(
+        save.SaveDatabase(path, QStringLiteral("Title \u00e9"), QStringLiteral("proj"), date));
     save.AddClass(1, 3, {QStringLiteral("beta"), QStringLiteral("Alpha"), QStringLiteral("gamma")});
     save.AddMetricToClass(2001);  // physical lines, format 1
     save.AddMetricToClass(2015);  // code percentage, format 5
@@ -70,7 +71,7 @@ TEST_F(MetricSaveLayout, SmallFileMatchesHandComputedBytes) {
     save.AddMetricToClass(1002);  // physical lines, format 2
     save.ClassDone();
     ASSERT_TRUE(save.SaveClasses());
-    CStats lines = Series({10, 300, 7});         // rows beta, Alpha, gamma
+    CStats lines = Series({10, 300, 7});  // rows beta, Alpha, gamma
     CStats share = Series({0.5, 0.25, 1.0});
     CStats total = Series({42});
     ASSERT_TRUE(save.SaveSeries(lines));
@@ -96,15 +97,33 @@ TEST_F(MetricSaveLayout, SmallFileMatchesHandComputedBytes) {
   EXPECT_EQ(file.mid(552, 2), Hex("0200"));
 
   QByteArray body;
-  body += Hex("01000000" "02000000" "03000000" "00000000" "01000000" "01000000");
-  body += Hex("d1070000" "df070000" "ea030000");
+  body +=
+      Hex("01000000"
+          "02000000"
+          "03000000"
+          "00000000"
+          "01000000"
+          "01000000");
+  body +=
+      Hex("d1070000"
+          "df070000"
+          "ea030000");
   // Names sorted case-insensitively, in ANSI: Alpha (row 2), beta (row 1), gamma (row 3).
-  body += Hex("10000000" "00000000" "00000000") + QByteArray("Alpha\0beta\0gamma", 16);
-  body += Hex("04000000" "00000000" "00000000") + QByteArray("Proj");
+  body += Hex("10000000"
+              "00000000"
+              "00000000") +
+          QByteArray("Alpha\0beta\0gamma", 16);
+  body += Hex("04000000"
+              "00000000"
+              "00000000") +
+          QByteArray("Proj");
   // 7..300 in a whole-number format: 16-bit, values in sorted row order 300, 10, 7.
   body += SeriesHead(3, 317.0 / 3, std::sqrt(3 * 90149.0 - 317.0 * 317.0) / 3, 7, 300, 10, 7, 300,
                      2, 2);
-  body += Hex("2c01" "0a00" "0700");
+  body +=
+      Hex("2c01"
+          "0a00"
+          "0700");
   // A percentage stays double: 0.25, 0.5, 1.0 after sorting.
   body += SeriesHead(3, 1.75 / 3, std::sqrt(3 * 1.3125 - 1.75 * 1.75) / 3, 0.25, 1.0, 0.5, 0.25,
                      1.0, 8, 0);
@@ -140,12 +159,37 @@ TEST_F(MetricSaveLayout, ValueKindAndSizeByFormatAndRange) {
       {2001, {0, 255}, 3, 1, Hex("00ff")},
       {2001, {-1, 2}, 2, 2, Hex("ffff0200")},
       {2001, {-32768, 32767}, 2, 2, Hex("0080ff7f")},
-      {2001, {0, 32768}, 1, 4, Hex("00000000" "00800000")},
-      {2001, {-2147483648.0, 2147483647.0}, 1, 4, Hex("00000080" "ffffff7f")},
-      {2001, {0, 2147483648.0}, 0, 8, Hex("0000000000000000" "000000000000e041")},
+      {2001,
+       {0, 32768},
+       1,
+       4,
+       Hex("00000000"
+           "00800000")},
+      {2001,
+       {-2147483648.0, 2147483647.0},
+       1,
+       4,
+       Hex("00000080"
+           "ffffff7f")},
+      {2001,
+       {0, 2147483648.0},
+       0,
+       8,
+       Hex("0000000000000000"
+           "000000000000e041")},
       {2001, {2.5, 3.5}, 3, 1, Hex("0204")},  // rounded half to even
-      {2031, {45000.75, 45001}, 1, 4, Hex("c9af0000" "c9af0000")},  // a date, format 9
-      {2015, {0, 1}, 0, 8, Hex("0000000000000000" "000000000000f03f")},
+      {2031,
+       {45000.75, 45001},
+       1,
+       4,
+       Hex("c9af0000"
+           "c9af0000")},  // a date, format 9
+      {2015,
+       {0, 1},
+       0,
+       8,
+       Hex("0000000000000000"
+           "000000000000f03f")},
       {2015, {7, 7}, 4, 0, QByteArray()},
       {2001, {7, 7}, 4, 0, QByteArray()},
   };
@@ -183,10 +227,9 @@ TEST(MetricSaveEncoding, ChoiceTable) {
   };
   const double nan = std::nan("");
   const std::vector<Case> cases = {
-      {1, 3, 3, 4, 0},       {0, -5, -5, 4, 0},       {2, 0, 255, 3, 1},
-      {9, 0, 256, 2, 2},     {1, -0.5, 3, 2, 2},      {2, -32768.5, 0, 1, 4},
-      {1, 0, 2147483647.5, 0, 8},                     {6, 0, 1, 0, 8},
-      {10, 0, 1, 0, 8},      {1, nan, 3, 0, 8},       {1, 0, nan, 0, 8},
+      {1, 3, 3, 4, 0},    {0, -5, -5, 4, 0},      {2, 0, 255, 3, 1},          {9, 0, 256, 2, 2},
+      {1, -0.5, 3, 2, 2}, {2, -32768.5, 0, 1, 4}, {1, 0, 2147483647.5, 0, 8}, {6, 0, 1, 0, 8},
+      {10, 0, 1, 0, 8},   {1, nan, 3, 0, 8},      {1, 0, nan, 0, 8},
   };
   for (const Case& c : cases) {
     const ValueEncoding e = ChooseValueEncoding(c.format, c.min, c.max);
