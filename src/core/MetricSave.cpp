@@ -106,7 +106,7 @@ void MetricSave::AddClass(int classNr, int32_t itemCount, const QStringList& nam
   m_rowLists.push_back(std::move(rows));
 }
 
-void MetricSave::AddMetricToClass(int32_t id) {
+void MetricSave::AddMetricToClass(MetricId id) {
   if (m_classes.empty() || m_classMetrics.size() == m_classes.size()) return;
   ++m_classes.back().SeriesCount;
   m_pendingMetrics.push_back(id);
@@ -125,8 +125,8 @@ bool MetricSave::SaveClasses() {
 
   QByteArray bytes;
   for (const TQVZMetricClass& record : m_classes) bytes += record.Encode();
-  for (const std::vector<int32_t>& ids : m_classMetrics)
-    for (const int32_t id : ids) PutInt32(bytes, id);
+  for (const std::vector<MetricId>& ids : m_classMetrics)
+    for (const MetricId id : ids) PutInt32(bytes, id);
   for (const RowList& rows : m_rowLists) bytes += RowNameBlock(rows);
   m_classesSaved = true;
   return WriteBytes(bytes);
@@ -167,7 +167,7 @@ bool MetricSave::SaveSeries(CStats& stats) {
     m_nextSeries = 1;
   }
   if (m_nextClass > classCount) return false;  // every declared series is written
-  const int32_t id = m_classMetrics[m_nextClass - 1][m_nextSeries - 1];
+  const MetricId id = m_classMetrics[m_nextClass - 1][m_nextSeries - 1];
 
   stats.CalcStatsQuick();
   SeriesHeader header;
@@ -179,7 +179,8 @@ bool MetricSave::SaveSeries(CStats& stats) {
   header.Median = stats.Median();
   header.Q5 = stats.Q5();
   header.Q95 = stats.Q95();
-  const ValueEncoding encoding = ChooseValueEncoding(MetricFormatOf(id), stats.Min, stats.Max);
+  const ValueEncoding encoding =
+      ChooseValueEncoding(m_definitions.GetMetricFormat(id), stats.Min, stats.Max);
   header.ValueKind = encoding.Kind;
   header.ValueSize = encoding.Size;
 

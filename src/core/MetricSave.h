@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "core/MetricDefinitions.h"
 #include "core/QVZFormat.h"
 #include "support/StringList.h"
 
@@ -42,7 +43,7 @@ class MetricSave {
   void AddClass(int classNr, int32_t itemCount, const QStringList& names,
                 const std::vector<int32_t>& rowKeys = {});
   // Declares a metric of the class added last.
-  void AddMetricToClass(int32_t id);
+  void AddMetricToClass(MetricId id);
   // Ends the declaration of the class added last.
   void ClassDone();
   // Writes the class table, the metric id lists and the row names.
@@ -104,12 +105,13 @@ class MetricSave {
   std::vector<TQVZMetricClass> m_classes;
   std::vector<QStringList> m_classNames;
   std::vector<std::vector<int32_t>> m_classRowKeys;
-  std::vector<std::vector<int32_t>> m_classMetrics;  // metric ids
-  std::vector<int32_t> m_pendingMetrics;             // ids of the class being declared
+  std::vector<std::vector<MetricId>> m_classMetrics;
+  std::vector<MetricId> m_pendingMetrics;  // ids of the class being declared
   std::vector<RowList> m_rowLists;
   bool m_classesSaved = false;
-  int m_nextClass = 0;   // 1-based; 0 before the first series
-  int m_nextSeries = 0;  // 1-based within the class
+  int m_nextClass = 0;              // 1-based; 0 before the first series
+  int m_nextSeries = 0;             // 1-based within the class
+  MetricDefinitions m_definitions;  // the display format chooses the value encoding
 };
 
 }  // namespace ombrelle

@@ -51,7 +51,4 @@ struct ValueEncoding {
 };
 ValueEncoding ChooseValueEncoding(int format, double min, double max);
 
-// The display format of metric `id` in the catalogue; 0 for an unknown id.
-int MetricFormatOf(int32_t id);
-
 }  // namespace ombrelle
