@@ -13,7 +13,6 @@
 #include <vector>
 
 #include <QCoreApplication>
-#include <QCryptographicHash>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -31,7 +30,6 @@ constexpr int32_t kStoredProcedureMetrics[] = {4001, 4012, 4013, 4014, 4020, 402
                                                4051, 4053, 4080, 4081, 4100, 4101, 4120, 4121, 4122,
                                                4140, 4141, 4142, 4143, 4161, 4180, 4200, 4201};
 constexpr int32_t kStoredFileMetrics[] = {2001, 2020, 2030, 2031};
-constexpr int kChecksumOffset = 230;
 
 double PeakMegabytes() {
   rusage usage{};
@@ -129,15 +127,11 @@ bool WriteDatabase(const QString& path, int rows) {
   for (int32_t id : kStoredFileMetrics) WriteSeries(file, id, rows);
   for (int32_t id : kStoredProcedureMetrics) WriteSeries(file, id, rows);
 
-  // The header checksum guards the stamp, the saved-by and saved-date fields
-  // and the length of the file.
-  const qint64 length = file.size();
-  const QByteArray guarded = QByteArray(header.AnalysisStamp.data(), 14) +
-                             QByteArray(header.SavedBy.data(), 32) +
-                             QByteArray(header.SavedDate.data(), 10) + kChecksumSalt +
-                             QByteArray::number(length, 16).toUpper();
-  file.seek(kChecksumOffset);
-  file.write(QCryptographicHash::hash(guarded, QCryptographicHash::Md5).toHex().toUpper());
+  // The checksum depends on the file's length: the header is written again.
+  const QByteArray checksum = HeaderChecksum(header, file.size());
+  std::memcpy(header.Checksum.data(), checksum.constData(), header.Checksum.size());
+  file.seek(0);
+  file.write(header.Encode());
   return file.error() == QFile::NoError;
 }
 
