@@ -12,7 +12,9 @@
 
 #include "common/MessageAssertions.h"
 #include "common/QvzFixture.h"
+#include "core/MetricSave.h"
 #include "core/QVZ2XML.h"
+#include "stats/CStats.h"
 #include "support/FormatNum.h"
 #include "support/ScriptedUiServices.h"
 
@@ -282,6 +284,78 @@ TEST_F(QVZ2XMLExport, DatabaseWithOnlyAProjectRow) {
       " </class>\r\n"
       "</qvz>\r\n";
   EXPECT_EQ(ReadAll(output).toStdString(), Expected(expected));
+  ExpectXmllintAccepts(output);
+}
+
+TEST_F(QVZ2XMLExport, DatabaseOfTheProgramsOwnWriterKeepsItsRowOrder) {
+  // The writer stores rows sorted by name, values following their rows; the
+  // export gives rows and values in that stored order.
+  const QString input = Path("written.qvz");
+  {
+    MetricSave save;
+    ASSERT_TRUE(
+        save.SaveDatabase(input, QStringLiteral("Written"), QStringLiteral("/p/w.tpj"), 45000.5));
+    save.AddClass(0, 1, {QStringLiteral("Written")});
+    save.AddMetricToClass(1002);
+    save.ClassDone();
+    save.AddClass(3, 3, {QStringLiteral("zeta"), QStringLiteral("Alpha"), QStringLiteral("mid")});
+    save.AddMetricToClass(4050);
+    save.AddMetricToClass(4051);
+    save.ClassDone();
+    ASSERT_TRUE(save.SaveClasses());
+    for (const std::vector<double>& values :
+         {std::vector<double>{1500}, std::vector<double>{10, 20, 30},
+          std::vector<double>{4, 5, 6}}) {
+      CStats column;
+      for (double v : values) column.AddValue(v);
+      ASSERT_TRUE(save.SaveSeries(column));
+    }
+    ASSERT_TRUE(save.Close());
+  }
+  QString output = Path("written.xml");
+  ASSERT_TRUE(SaveQVZ2XML(input, output, false)) << m_ui.MessageTexts().join("|").toStdString();
+  const QByteArray xml = ReadAll(output);
+  const qsizetype start = xml.indexOf(" <class cls='3'");
+  const qsizetype end = xml.indexOf(" <class cls='4'");
+  ASSERT_TRUE(start > 0 && end > start);
+  EXPECT_EQ(xml.mid(start, end - start).toStdString(),
+            " <class cls='3' name='Procedure'>\r\n"
+            "  <!-- Procedure metrics -->\r\n"
+            "  <rows>\r\n"
+            "   <row>Alpha</row>\r\n"
+            "   <row>mid</row>\r\n"
+            "   <row>zeta</row>\r\n"
+            "  </rows>\r\n"
+            "  <metric id='4050' abbr='STMT' name='Number of statements' descr='Total number of "
+            "all statements.'>\r\n"
+            "   <value display='20'>20</value>\r\n"
+            "   <value display='30'>30</value>\r\n"
+            "   <value display='10'>10</value>\r\n"
+            "  </metric>\r\n"
+            "  <metric id='4051' abbr='STMTd' name='Declarative statements' descr='Number of "
+            "declarative statements, which are are: procedure headers, variable and constant "
+            "declarations, all statements outside procedures.'>\r\n"
+            "   <value display='5'>5</value>\r\n"
+            "   <value display='6'>6</value>\r\n"
+            "   <value display='4'>4</value>\r\n"
+            "  </metric>\r\n"
+            "  <metric id='4052' abbr='STMTx' name='Executable statements' descr='Number of "
+            "executable statements. A statement is executable if it is not declarative. "
+            "Executable statements can only exist within procedures. STMTx=STMT-STMTd'>\r\n"
+            "   <value display='15'>15</value>\r\n"
+            "   <value display='24'>24</value>\r\n"
+            "   <value display='6'>6</value>\r\n"
+            "  </metric>\r\n"
+            "  <metric id='4060' abbr='XQT' name='Executability' descr='Executability measures "
+            "the amount of executable statements. It equals the number of executable statements "
+            "divided by the number of all statements. XQT=STMTx/STMT'>\r\n"
+            "   <value display='75%'>.75</value>\r\n"
+            "   <value display='80%'>.8</value>\r\n"
+            "   <value display='60%'>.6</value>\r\n"
+            "  </metric>\r\n"
+            " </class>\r\n");
+  EXPECT_TRUE(xml.contains(" <system>Written &#60;2023-03-15&#62;</system>\r\n"));
+  EXPECT_TRUE(xml.contains("   <value display='1,500'>1500</value>\r\n"));
   ExpectXmllintAccepts(output);
 }
 
