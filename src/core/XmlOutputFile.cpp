@@ -44,7 +44,8 @@ bool XmlOutputFile::Create(const QString& path) {
   // What opening the final name for writing would have refused.
   const QByteArray native = Native(path);
   struct stat info {};
-  if (::stat(native.constData(), &info) == 0) {
+  const bool exists = ::stat(native.constData(), &info) == 0;
+  if (exists) {
     if (S_ISDIR(info.st_mode)) {
       SetError(EISDIR);
       return false;
@@ -64,6 +65,8 @@ bool XmlOutputFile::Create(const QString& path) {
     const int fd =
         ::open(Native(candidate).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd >= 0) {
+      // A replaced file keeps its permissions.
+      if (exists) ::fchmod(fd, info.st_mode & 07777);
       m_fd = fd;
       m_tempPath = candidate;
       return true;
@@ -150,6 +153,12 @@ bool XmlOutputFile::Commit() {
     return false;
   }
   bool ok = !Failed() && Flush();
+  // On disc before it takes the final name, so that not even a crash of the
+  // system leaves a short file under that name.
+  if (ok && ::fdatasync(m_fd) != 0) {
+    SetError(errno);
+    ok = false;
+  }
   const int fd = m_fd;
   m_fd = -1;
   if (::close(fd) != 0 && ok) {

@@ -102,12 +102,18 @@ TEST(QVZ2XMLOutputFile, OldFileStaysUntilCommitAndAfterDiscard) {
   EXPECT_EQ(ReadAll(path), "old content");
   EXPECT_EQ(Entries(dir), QStringList{"out.xml"});
 
+  const QFile::Permissions permissions =
+      QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther;
+  ASSERT_TRUE(QFile::setPermissions(path, permissions));
   XmlOutputFile out;
   ASSERT_TRUE(out.Create(path));
   out.Write("new content");
   EXPECT_EQ(ReadAll(path), "old content");
   ASSERT_TRUE(out.Commit());
   EXPECT_EQ(ReadAll(path), "new content");
+  // The replaced file's permissions stay.
+  const QFile::Permissions userBits = QFile::ReadUser | QFile::WriteUser | QFile::ExeUser;
+  EXPECT_EQ(QFile::permissions(path) & ~userBits, permissions);
 }
 
 TEST(QVZ2XMLOutputFile, CreateReportsTheSystemError) {
