@@ -103,7 +103,7 @@ TEST(QVZ2XMLOutputFile, OldFileStaysUntilCommitAndAfterDiscard) {
   EXPECT_EQ(Entries(dir), QStringList{"out.xml"});
 
   const QFile::Permissions permissions =
-      QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther;
+      QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;  // not what a new file gets
   ASSERT_TRUE(QFile::setPermissions(path, permissions));
   XmlOutputFile out;
   ASSERT_TRUE(out.Create(path));
