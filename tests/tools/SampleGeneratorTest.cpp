@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "SampleGenerator.h"
+#include "core/MetricDefinitions.h"
 #include "support/Codepage.h"
 #include "support/DateValue.h"
 
@@ -25,7 +26,8 @@ const SampleDatabase& Save(const SampleProject& p, int save) {
   auto it = cache.find(key);
   if (it == cache.end()) {
     const SampleGenerator generator(p);
-    for (int s = 0; s < static_cast<int>(p.Saves.size()); ++s) cache[{p.Name, s}] = generator.Generate(s);
+    for (int s = 0; s < static_cast<int>(p.Saves.size()); ++s)
+      cache[{p.Name, s}] = generator.Generate(s);
     it = cache.find(key);
   }
   return it->second;
@@ -93,10 +95,11 @@ TEST(SampleGenerator, StoredMetricsLeaveDerivedOnesToTheirRecipes) {
     MetricId id;
     bool stored;
   };
-  const Case cases[] = {{project, 1000, true},  {project, 1001, false}, {project, 1002, true},
-                        {project, 1008, false}, {project, 1100, false}, {project, 1207, false},
-                        {project, 1404, true},  {project, 1406, false}, {procedure, 4161, true},
-                        {procedure, 4162, false}, {procedure, 4120, true}, {procedure, 4011, false}};
+  const Case cases[] = {
+      {project, 1000, true},    {project, 1001, false},  {project, 1002, true},
+      {project, 1008, false},   {project, 1100, false},  {project, 1207, false},
+      {project, 1404, true},    {project, 1406, false},  {procedure, 4161, true},
+      {procedure, 4162, false}, {procedure, 4120, true}, {procedure, 4011, false}};
   for (const Case& c : cases)
     EXPECT_EQ(std::count(c.ids.begin(), c.ids.end(), c.id), c.stored ? 1 : 0) << c.id;
   EXPECT_EQ(StoredSampleMetrics(4), (std::vector<MetricId>{5001, 5002, 5020, 5100}));
@@ -187,8 +190,10 @@ TEST(SampleGenerator, ValuesAreMutuallyConsistent) {
     // The project's totals are the sums of its files; its counts are the row counts.
     const struct {
       MetricId project, file;
-    } sums[] = {{1002, 2001}, {1009, 2012}, {1010, 2013}, {1011, 2014}, {1015, 2020}, {1019, 2030}, {1203, 2036}, {1202, 2035}};
-    for (const auto& s : sums) EXPECT_EQ(ProjectValue(db, s.project), db.Table(1)->Sum(s.file)) << s.project;
+    } sums[] = {{1002, 2001}, {1009, 2012}, {1010, 2013}, {1011, 2014},
+                {1015, 2020}, {1019, 2030}, {1203, 2036}, {1202, 2035}};
+    for (const auto& s : sums)
+      EXPECT_EQ(ProjectValue(db, s.project), db.Table(1)->Sum(s.file)) << s.project;
     EXPECT_EQ(ProjectValue(db, 1200), db.Table(1)->RowCount());
     EXPECT_EQ(ProjectValue(db, 1201), db.Table(3)->RowCount());
     EXPECT_EQ(ProjectValue(db, 1400), db.Table(2)->RowCount());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <set>
 
 #include <QString>
@@ -41,7 +42,12 @@ class SampleNames {
                        bool accented);
 
  private:
+  // `name`, or with a number after it when the owner has the name already.
   QString Unique(const QString& owner, const QString& name);
+  // A name from `draw` that the owner has not used, drawing again a few times.
+  QString Fresh(const QString& owner, const std::function<QString()>& draw);
+  QString DrawMethod(SampleRandom& random, const QString& owner, SampleFileKind kind, bool event,
+                     bool accented) const;
 
   bool m_dotNet;
   std::set<QString> m_used;
