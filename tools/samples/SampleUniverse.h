@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <vector>
@@ -29,9 +30,11 @@ enum StreamTag : std::uint64_t {
   TagProject = 20,
 };
 
+// Ratios are kept to four decimals, counts to whole numbers.
 inline double Round4(double v) { return std::nearbyint(v * 10000.0) / 10000.0; }
 inline double Whole(double v) { return std::max(0.0, std::nearbyint(v)); }
 
+// A source file: its path and what it attracts of the code base.
 struct FileEntity {
   QString Path;
   QString Base;
@@ -48,6 +51,7 @@ struct FileEntity {
   bool AccentUsed = false;
 };
 
+// A class: its place in the hierarchy and its habits.
 struct ClassEntity {
   QString Name;
   int File = 0;
@@ -64,6 +68,7 @@ struct ClassEntity {
   double Coupling = 1;
 };
 
+// A procedure: its owner and the traits its values grow from.
 struct ProcEntity {
   QString Name;
   int File = 0;
@@ -81,6 +86,7 @@ struct ProcEntity {
   bool Helper = false;  // split off a long procedure by the refactoring
 };
 
+// A global or module-level variable.
 struct VarEntity {
   QString Name;
   int File = 0;
