@@ -98,7 +98,12 @@ void MetricRead::ApplyView(int mode, int database) {
       entry.Included = false;
       continue;
     }
-    if (entry.Reader) {
+    if (!FileExists(entry.Path)) {
+      // A file removed since the scan is left out quietly: the view has a
+      // row less, and the list keeps its entry until the next scan.
+      entry.Reader.reset();
+      entry.Included = false;
+    } else if (entry.Reader) {
       entry.Included = true;
       if (!headersOnly) {
         entry.Included = entry.Reader->EnsureFileOpen();
@@ -108,9 +113,7 @@ void MetricRead::ApplyView(int mode, int database) {
         entry.Included = entry.Reader->LoadSeriesHeaders();
         entry.Reader->CloseDatabaseFile();
       }
-    } else if (FileExists(entry.Path)) {
-      // A file removed since the scan is left out quietly: the view has a
-      // row less, and the list keeps its entry until the next scan.
+    } else {
       auto reader = std::make_unique<QVZRead>();
       QString errorText;
       if (reader->Opendatabase(entry.Path, errorText)) {
@@ -122,8 +125,6 @@ void MetricRead::ApplyView(int mode, int database) {
         if (ok) entry.Reader = std::move(reader);
       }
       entry.Included = entry.Reader != nullptr;
-    } else {
-      entry.Included = false;
     }
     if (entry.Included && entry.Reader) ++m_includedCount;
   }
