@@ -218,7 +218,9 @@ bool MetricRead::MetricAvailable(MetricId metric) {
 
 bool MetricRead::FormulaAvailable(MetricId metric, QVZRead& reader) {
   if (reader.MetricStored(metric)) return true;
-  if (metric == kProjectDate) return true;
+  // The analysis date of every file answers for the project date and for the
+  // days between two saves.
+  if (metric == kProjectDate || metric == kDaysBetweenSaves) return true;
   MetricFormula formula;
   if (!m_definitions.GetMetricFormula(metric, formula)) return false;
   if (formula.SummaryMetric != 0) return MetricAvailable(formula.SummaryMetric);
