@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -124,7 +126,10 @@ class MetricRead {
   // --- State -----------------------------------------------------------------
   int DataState() const { return m_dataState; }
   // 0 nothing to show; 1 no databases, made-up rows and columns; 2 data.
-  void SetDataState(int state) { m_dataState = state; }
+  void SetDataState(int state) {
+    m_dataState = state;
+    m_available.clear();
+  }
   int DataMode() const { return m_dataMode; }
   int DataDatabase() const { return m_dataDatabase; }
   int RecordClass() const { return m_recordClass; }
@@ -155,6 +160,7 @@ class MetricRead {
   std::vector<DatabaseEntry*> ViewEntries();
 
   std::vector<DatabaseEntry> m_databases;
+  QSet<QString> m_knownPaths;  // Path of every entry in lower case
   int m_dataState = 2;
   int m_dataMode = DataModes::OneFile;
   int m_dataDatabase = 0;
@@ -163,6 +169,8 @@ class MetricRead {
   std::unique_ptr<QVZRead> m_currentReader;
   int m_includedCount = 0;
   MetricDefinitions m_definitions;
+  // MetricAvailable answers of the current view.
+  std::unordered_map<MetricId, bool> m_available;
 };
 
 }  // namespace ombrelle

@@ -98,13 +98,14 @@ void MetricRead::AddDatabaseEntry(const QString& path, const DatabaseHeader& hea
   entry.FileDate = modified.isValid() ? DateFromQDateTime(modified) : 0;
   entry.Project = reader.ProjectFilename();
   entry.Title = reader.Title();
+  m_knownPaths.insert(path.toLower());
   m_databases.push_back(std::move(entry));
 }
 
 int MetricRead::FindDatabase(const QString& file) const {
-  const QString wanted = file.toLower();
+  if (!m_knownPaths.contains(file.toLower())) return 0;
   for (int i = 0; i < DatabaseCount(); ++i) {
-    if (m_databases[i].Path.toLower() == wanted) return i + 1;
+    if (m_databases[i].Path.compare(file, Qt::CaseInsensitive) == 0) return i + 1;
   }
   return 0;
 }

@@ -56,11 +56,15 @@ bool MetricRead::OpenDatabase2(int database) {
     return false;
   }
   m_currentReader = std::move(reader);
+  m_available.clear();
   m_dataState = 2;
   return true;
 }
 
-void MetricRead::CloseCurrent() { m_currentReader.reset(); }
+void MetricRead::CloseCurrent() {
+  m_currentReader.reset();
+  m_available.clear();
+}
 
 void MetricRead::SetDataMode(int mode, int database, int recordClass) {
   m_dataMode = mode;
@@ -78,6 +82,7 @@ bool MetricRead::HeadersOnly(int mode) const {
 
 void MetricRead::ApplyView(int mode, int database) {
   m_dataDatabase = database;
+  m_available.clear();
   const bool keyed = IsProjectMode(mode) && ValidDatabase(database);
   const QString key = keyed ? Database(database).Project.toLower() : QString();
   const bool headersOnly = HeadersOnly(mode);
@@ -206,14 +211,26 @@ bool MetricRead::MetricAvailable(MetricId metric) {
   if (metric == kDaysBetweenSaves && !IsProjectMode(m_dataMode)) return false;
   if (m_dataState == 0) return false;
   if (m_dataState == 1) return m_definitions.MetricSupported(metric);
+  // The answer holds for the whole view, and derived metrics ask for their
+  // terms again and again: without the memory a view of many databases
+  // would ask each database about each term once for every database.
+  const auto known = m_available.find(metric);
+  if (known != m_available.end()) return known->second;
+  m_available[metric] = false;  // a recipe that refers back to itself fails
+  bool available = false;
   if (m_dataMode == DataModes::OneFile) {
-    return m_currentReader ? FormulaAvailable(metric, *m_currentReader)
-                           : m_definitions.MetricSupported(metric);
+    available = m_currentReader ? FormulaAvailable(metric, *m_currentReader)
+                                : m_definitions.MetricSupported(metric);
+  } else {
+    for (DatabaseEntry* entry : ViewEntries()) {
+      if (FormulaAvailable(metric, *entry->Reader)) {
+        available = true;
+        break;
+      }
+    }
   }
-  for (DatabaseEntry* entry : ViewEntries()) {
-    if (FormulaAvailable(metric, *entry->Reader)) return true;
-  }
-  return false;
+  m_available[metric] = available;
+  return available;
 }
 
 bool MetricRead::FormulaAvailable(MetricId metric, QVZRead& reader) {
