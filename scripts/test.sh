@@ -1,8 +1,26 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs every test.
+# Installs what is missing, builds, and runs every test: first the normal
+# build in build/, then the whole suite again under AddressSanitizer and
+# UndefinedBehaviorSanitizer in build-asan/.
+#   scripts/test.sh            both builds
+#   scripts/test.sh --quick    the normal build only
 set -euo pipefail
 cd "$(dirname "$0")/.."
+quick=0
+[ "${1:-}" = "--quick" ] && quick=1
+
 scripts/install-deps.sh test
-scripts/build.sh
 export QT_QPA_PLATFORM=offscreen
-ctest --test-dir build --output-on-failure -j "$(nproc)" --timeout 300
+jobs=$(nproc)
+
+scripts/build.sh
+ctest --test-dir build --output-on-failure -j "$jobs" --timeout 300
+
+if [ "$quick" -eq 0 ]; then
+  BUILD_DIR=build-asan scripts/build.sh -DOMBRELLE_SANITIZE=ON -DOMBRELLE_BUILD_BENCH=OFF \
+      -DCMAKE_BUILD_TYPE=Debug
+  ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 \
+  UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
+  LSAN_OPTIONS=suppressions="$PWD/tests/lsan.supp" \
+      ctest --test-dir build-asan --output-on-failure -j "$jobs" --timeout 600
+fi

@@ -5,6 +5,8 @@
 
 #include <QByteArray>
 
+#include "core/MetricDefinitions.h"  // kMetricClassCount, the class codes 0 to 4
+
 namespace ombrelle {
 
 // Layout of a metrics database file (.qvz). Every number is little-endian and
@@ -19,7 +21,6 @@ constexpr int kRowRecordSize = 130;
 constexpr int kRowNameSize = 128;
 constexpr int kSeriesHeaderSize = 76;
 constexpr int kTextFieldSize = 214;
-constexpr int kMetricClassCount = 5;  // class codes 0 to 4
 
 constexpr char kQvzMagic[] = "QVZ-KRDB";
 // Fixed salt of the header checksum; a constant of the format.

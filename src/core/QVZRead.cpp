@@ -237,6 +237,7 @@ void QVZRead::ResetTables() {
   m_rowNamesStart = 0;
   m_seriesStart = 0;
   m_lastError.clear();
+  m_rowNamesRead = false;
 }
 
 bool QVZRead::Opendatabase(const QString& file, QString& errorText) {
@@ -298,7 +299,9 @@ bool QVZRead::ReadStructure() {
         return false;
       }
       // RowNames are sized when the names are loaded: a version 3 file does
-      // not bound ItemCount by its length.
+      // not bound ItemCount by its length, so the block's length is kept as
+      // one of the bounds on the rows the class can have.
+      m_classes[m_classOrder[k]].RowBlockLength = block.Length;
       m_position += block.Length;
     }
   } else {
@@ -431,6 +434,8 @@ bool QVZRead::WalkSeries() {
       }
       m_position += valueBytes;
       slot.SeriesUsable[j] = header.Usable();
+      if (valueBytes > 0)
+        slot.LongestStoredSeries = std::max(slot.LongestStoredSeries, header.Count);
     }
   }
   if (failed) return false;

@@ -8,7 +8,9 @@
 #include <QString>
 #include <QStringList>
 
+#include "core/MetricDefinitions.h"
 #include "core/QVZFormat.h"
+#include "stats/CStats.h"
 
 namespace ombrelle {
 
@@ -28,6 +30,11 @@ struct ClassSlot {
   QStringList RowNames;
   std::vector<int32_t> RowOrder;  // display order: 1-based indices into RowNames
   bool RowNamesLoaded = false;
+  // Bounds on the rows the file can back (version 3): the Length of the
+  // class's row-name block, and the largest Count among its series whose
+  // values take bytes in the file.
+  int32_t RowBlockLength = 0;
+  int32_t LongestStoredSeries = 0;
 
   // Only the low 16 bits of the stored count are used, as a signed number; a
   // count that reads negative that way stands for no series.
@@ -80,7 +87,56 @@ class QVZRead {
   qint64 SeriesStart() const { return m_seriesStart; }
   const QString& LastError() const { return m_lastError; }
 
+  // --- Row names and values, served on demand once the file is open. Rows
+  // and series are 1-based. A read that fails answers false and shows
+  // nothing: the metric counts as absent.
+
+  // Copies of the class's row names (in file order) and of the display order
+  // (1-based indices into the names); the names of every class are loaded on
+  // the first demand.
+  void GetRowHeaders(int metricClass, QStringList& names, std::vector<int32_t>& order);
+  // The metric's own class lists it and its series is usable; 1207 answers
+  // whether the variable class is present.
+  bool MetricStored(MetricId metric) const;
+  // The column of a metric: its stored series, else computed from its
+  // formula. `expectedCount` not 0 refuses a stored series of another length.
+  bool ReadSeries(MetricId metric, CStats& stats, int32_t expectedCount);
+  // One value for a metric (a project-level figure), stored or derived. The
+  // file is closed again afterwards.
+  bool ReadSingleValue(MetricId metric, double& value);
+  // The metric's value in the first row, in display order, whose name equals
+  // `rowName` ignoring case.
+  bool ReadValueForRow(MetricId metric, const QString& rowName, double& value);
+  // Name of the file that row `row` of `metricClass` belongs to; empty when
+  // there is none.
+  void GetItemFile(int metricClass, int32_t row, QString& filename);
+  // Reads every SeriesHeader at once, so that single values and summaries
+  // need no further reads.
+  bool LoadSeriesHeaders();
+
+  // Events of the Sorter that orders the rows of an unsorted file: compare
+  // the names that two order entries point to, ignoring case; swap the entries.
+  void RowHeaderSorter_Compare(int32_t a, int32_t b, int& result) const;
+  void RowHeaderSorter_Swap(int32_t a, int32_t b);
+
  private:
+  void LoadRowNames();
+  void DecodeRowRecords(ClassSlot& slot) const;
+  void BuildRowOrder(int metricClass);
+  // Rows of the class that the file itself can back; a claimed ItemCount
+  // above it is not believed.
+  qint64 RowLimit(const ClassSlot& slot) const;
+  // The slot and 0-based index of the first series of `metric`, searching
+  // every class in code order.
+  bool FindSeries(MetricId metric, int& metricClass, int& index) const;
+  bool SeekSeries(MetricId metric, int* foundClass = nullptr);
+  bool ReadStoredSeries(MetricId metric, CStats& stats, int32_t expectedCount);
+  bool ReadSeriesHeader(qint64 position, SeriesHeader& header);
+  // 1: found in the loaded headers; 0: the class's headers are loaded and do
+  // not hold it; -1: not known without reading the file.
+  int CachedSeriesValue(MetricId metric, double& value) const;
+  bool ReadAggregate(MetricId metric, int32_t kind, double& value);
+
   bool ReadStructure();
   bool ReadClassRecords();
   void ReadMetricIds();
@@ -120,6 +176,10 @@ class QVZRead {
   qint64 m_rowNamesStart = 0;
   qint64 m_seriesStart = 0;
   QString m_lastError;
+
+  MetricDefinitions m_definitions;
+  int32_t m_sortClass = 0;  // class whose rows BuildRowOrder is ordering
+  bool m_rowNamesRead = false;
 
   // The system's number and text of the last failed open or read.
   int m_systemError = 0;

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSaveFile>
+#include <QSet>
 #include <QStringDecoder>
 
 #include "support/Codepage.h"
@@ -202,6 +203,26 @@ QStringList IniFile::SectionNames() const {
     if (!seen) names << name;
   }
   return names;
+}
+
+std::vector<std::pair<QString, std::vector<std::pair<QString, QString>>>> IniFile::Sections() const {
+  std::vector<std::pair<QString, std::vector<std::pair<QString, QString>>>> sections;
+  QSet<QString> seen;
+  bool collecting = false;  // inside the first appearance of a section
+  QString name, value;
+  for (const QString& line : m_lines) {
+    if (ParseSectionLine(line, name)) {
+      collecting = !seen.contains(name.toCaseFolded());
+      if (collecting) {
+        seen.insert(name.toCaseFolded());
+        sections.emplace_back(name, std::vector<std::pair<QString, QString>>());
+      }
+    } else if (collecting) {
+      QString key;
+      if (ParseEntryLine(line, key, value)) sections.back().second.emplace_back(key, value);
+    }
+  }
+  return sections;
 }
 
 void IniFile::SetValue(const QString& section, const QString& key, const QString& value) {

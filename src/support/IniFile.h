@@ -35,6 +35,11 @@ class IniFile {
 
   QString Text() const;
 
+  // Every section with its key and value lines, in file order, read in one
+  // pass: a section that appears twice counts with its first appearance, as
+  // in Section().
+  std::vector<std::pair<QString, std::vector<std::pair<QString, QString>>>> Sections() const;
+
  private:
   enum class Encoding { Ansi, Utf8, Utf8Bom, Utf16 };
 

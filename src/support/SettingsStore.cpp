@@ -33,7 +33,20 @@ QString KeyPath(const QString& section, const QString& key) {
   return group.isEmpty() ? key : group + QLatin1Char('/') + key;
 }
 
+int g_batchDepth = 0;
+
+// Writes the file now, unless a SettingsBatch holds the writing back.
+void Flush() {
+  if (g_batchDepth == 0) Store()->sync();
+}
+
 }  // namespace
+
+SettingsBatch::SettingsBatch() { ++g_batchDepth; }
+
+SettingsBatch::~SettingsBatch() {
+  if (--g_batchDepth == 0) Store()->sync();
+}
 
 QString SettingsFilePath() {
   if (!OverridePath().isEmpty()) return OverridePath();
@@ -61,12 +74,12 @@ double GetSettingNumber(const QString& section, const QString& key, double defau
 
 void SaveSetting(const QString& section, const QString& key, const QString& value) {
   Store()->setValue(KeyPath(section, key), value);
-  Store()->sync();
+  Flush();
 }
 
 void DeleteSetting(const QString& section, const QString& key) {
   Store()->remove(KeyPath(section, key));
-  Store()->sync();
+  Flush();
 }
 
 std::vector<std::pair<QString, QString>> GetAllSettings(const QString& section) {
@@ -83,7 +96,7 @@ void DeleteSettingsTree(const QString& section) {
   const QString group = GroupPath(section);
   if (group.isEmpty()) return;  // never wipe the whole tree by accident
   Store()->remove(group);
-  Store()->sync();
+  Flush();
 }
 
 QStringList EnumSubkeys(const QString& section) {

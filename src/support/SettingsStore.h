@@ -36,4 +36,15 @@ QStringList EnumSubkeys(const QString& section);
 QString SettingsFilePath();
 void SetSettingsFilePath(const QString& path);
 
+// While one lives, writes and deletes change the tree in memory only; the
+// last one to end writes the file once. Saving a set of many keys thus costs
+// one write of the file instead of one per key.
+class SettingsBatch {
+ public:
+  SettingsBatch();
+  ~SettingsBatch();
+  SettingsBatch(const SettingsBatch&) = delete;
+  SettingsBatch& operator=(const SettingsBatch&) = delete;
+};
+
 }  // namespace ombrelle

@@ -129,6 +129,7 @@ QByteArray QvzFixture::Build(FixtureLayout* layout) const {
         text +=
             (encoding & 2) ? c.rowNames[i].toUtf8() : TextToMultiByte(c.rowNames[i], kCodepageAnsi);
       }
+      if (c.rowText) text = *c.rowText;
       AppendInt32(out, c.rowBlockLength.value_or(static_cast<int32_t>(text.size())));
       AppendInt32(out, text.isEmpty() ? 0 : encoding);
       AppendInt32(out, 0);

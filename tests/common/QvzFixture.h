@@ -43,6 +43,8 @@ struct ClassSpec {
   // Version 3 block: its Encoding field, and a Length that replaces the true one.
   int32_t rowEncoding = 2;
   std::optional<int32_t> rowBlockLength;
+  // Version 3 block: raw text bytes that replace the joined row names.
+  std::optional<QByteArray> rowText;
   // Versions below 3: FileNr of each row record (0 when missing), and how
   // many records are written (default: itemCount).
   std::vector<int16_t> fileNrs;
