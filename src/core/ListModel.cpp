@@ -54,7 +54,9 @@ void ListModel::SetSubItem(int index, int subItem, const QString& text) {
   ItemsChanged();
 }
 
-QString ListModel::ItemTag(int index) const { return Valid(index) ? m_items[index].Tag : QString(); }
+QString ListModel::ItemTag(int index) const {
+  return Valid(index) ? m_items[index].Tag : QString();
+}
 
 void ListModel::SetItemTag(int index, const QString& tag) {
   if (Valid(index)) m_items[index].Tag = tag;

@@ -59,7 +59,9 @@ class ListModel {
   void SetVisible(bool visible) { m_visible = visible; }
 
   // Called after the items change (Clear, AddItem, RemoveItem, item texts).
-  void SetItemsChangedHandler(std::function<void()> handler) { m_itemsChanged = std::move(handler); }
+  void SetItemsChangedHandler(std::function<void()> handler) {
+    m_itemsChanged = std::move(handler);
+  }
   // Called after the selected position changes, with the new position.
   void SetSelectionChangedHandler(std::function<void(int)> handler) {
     m_selectionChanged = std::move(handler);

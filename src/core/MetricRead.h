@@ -20,15 +20,15 @@ class ListModel;
 
 // One database file found on the search paths.
 struct DatabaseEntry {
-  DatabaseHeader Header;             // as read by the scan
-  QString Path;                      // full path of the file
-  std::unique_ptr<QVZRead> Reader;   // empty while the database is in no view
-  double AnalysisDate = 0;           // the header's AnalysisStamp as a date value
-  QString Project;                   // ProjectFilename of the header
-  QString Title;                     // Title of the header
-  bool Latest = false;               // the newest save of its project
-  bool Included = false;             // part of the current view
-  double FileDate = 0;               // last-modified time of the file
+  DatabaseHeader Header;            // as read by the scan
+  QString Path;                     // full path of the file
+  std::unique_ptr<QVZRead> Reader;  // empty while the database is in no view
+  double AnalysisDate = 0;          // the header's AnalysisStamp as a date value
+  QString Project;                  // ProjectFilename of the header
+  QString Title;                    // Title of the header
+  bool Latest = false;              // the newest save of its project
+  bool Included = false;            // part of the current view
+  double FileDate = 0;              // last-modified time of the file
 
   // Raw text fields of the header, for ordering and display.
   QString AnalysisStampText() const;

@@ -24,7 +24,6 @@ QString RightTrimBlanks(QString text) {
 
 }  // namespace
 
-
 QString MetricRead::GetDatabaseName(int database) const {
   if (!ValidDatabase(database)) return QString();
   const DatabaseEntry& entry = Database(database);

@@ -69,8 +69,7 @@ int MetricRead::ScanFolder(const QString& folder, const QString& namedFile) {
   const QString base = ResolvePath(QString(), folder);
   // A folder that is gone or cannot be read lists nothing: it is passed over.
   QDir dir(base);
-  const QStringList names =
-      dir.entryList({QStringLiteral("*.qvz")}, QDir::Files | QDir::Readable, QDir::Name);
+  const QStringList names = dir.entryList({QStringLiteral("*.qvz")}, QDir::Files, QDir::Name);
   const QString named = namedFile.toLower();
   int added = 0;
   for (const QString& name : names) {
@@ -158,8 +157,8 @@ void MetricRead::MarkLatestSaves() {
 }
 
 int MetricRead::FindFirstDatabases() {
-  const QString program = QCoreApplication::instance() ? QCoreApplication::applicationDirPath()
-                                                       : QString();
+  const QString program =
+      QCoreApplication::instance() ? QCoreApplication::applicationDirPath() : QString();
   return FindFirstDatabases(QDir::currentPath(), program);
 }
 

@@ -104,7 +104,8 @@ TEST_F(MetricReadScan, EqualStampsAreDecidedBySavedDateThenFileDateThenPosition)
 
 TEST_F(MetricReadScan, DamagedChecksumIsSkippedSilentlyAndReportedOnlyWhenNamed) {
   const QString folder = Folder(QStringLiteral("db"));
-  const QString good = Write(folder, "good.qvz", ProjectSave("Good", "p", DateSerial(2024, 1, 1), {}));
+  const QString good =
+      Write(folder, "good.qvz", ProjectSave("Good", "p", DateSerial(2024, 1, 1), {}));
   const QString bad = Write(folder, "bad.qvz", ProjectSave("Bad", "p", DateSerial(2024, 1, 2), {}));
   QByteArray bytes = QvzFixture::ReadBytes(bad);
   bytes[230] = bytes[230] == '0' ? '1' : '0';  // first digit of the checksum
@@ -296,9 +297,9 @@ TEST(ListModel, KeepsItemsSelectionAndSubItems) {
   list.SetListIndex(2);
   list.SetListIndex(2);  // no change, no notice
   EXPECT_EQ(list.Text(), "c");
-  list.RemoveItem(0);    // the selected item moves up with its position
+  list.RemoveItem(0);  // the selected item moves up with its position
   EXPECT_EQ(list.ListIndex(), 1);
-  list.RemoveItem(1);    // the selected item goes: the last one takes its place
+  list.RemoveItem(1);  // the selected item goes: the last one takes its place
   EXPECT_EQ(list.ListIndex(), 0);
   EXPECT_EQ(list.Text(), "b");
   list.SetListIndex(5);

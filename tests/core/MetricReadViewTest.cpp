@@ -142,9 +142,9 @@ TEST_F(MetricReadView, EachViewGivesOneValuePerDatabase) {
   // A procedure metric in a project view: one value per save, the mean.
   ExpectColumn(reader.GetValues(4001), {6.5, 11, 4, 6.5, 10.5});
   // The project date and the variable count come from the file itself.
-  ExpectColumn(reader.GetValues(1000), {DateSerial(2024, 1, 1), DateSerial(2024, 1, 6),
-                                        DateSerial(2024, 1, 11), DateSerial(2024, 1, 11),
-                                        DateSerial(2024, 2, 10)});
+  ExpectColumn(reader.GetValues(1000),
+               {DateSerial(2024, 1, 1), DateSerial(2024, 1, 6), DateSerial(2024, 1, 11),
+                DateSerial(2024, 1, 11), DateSerial(2024, 2, 10)});
   ExpectColumn(reader.GetValues(1207), {3, kNone, kNone, kNone, kNone});
   EXPECT_DOUBLE_EQ(reader.GetSingleValue(1002), 50);  // mean of 100, 0, 50, 50
   EXPECT_TRUE(ui.ui.messages.empty());
@@ -207,7 +207,7 @@ TEST_F(MetricReadView, OneFileViewReadsTheRowsOfTheOpenFile) {
   MetricRead reader;
   const int p1 = IndexOf(reader, "P1");
   reader.SetDataMode(0, 0, 0);
-  EXPECT_EQ(reader.GetClassSize(3), 0);  // nothing open yet
+  EXPECT_EQ(reader.GetClassSize(3), 0);       // nothing open yet
   EXPECT_TRUE(reader.MetricAvailable(1012));  // supported by the catalogue
   ASSERT_TRUE(reader.OpenDatabase2(p1));
   EXPECT_EQ(reader.GetClassSize(3), 2);
