@@ -187,6 +187,9 @@ TEST_F(MetricReadView, ByRowNameViewFollowsOneProcedureAcrossSaves) {
   const int p1 = IndexOf(reader, "P1");
   reader.SetDataMode(1, p1, 3);
   EXPECT_EQ(reader.RecordClass(), 3);
+  // Following a row reads columns: the files keep their structure, open.
+  EXPECT_TRUE(reader.Database(p1).Reader->IsFileOpen());
+  EXPECT_FALSE(reader.Database(p1).Reader->Slot(3).HeadersLoaded);
   ListModel records;
   reader.FillComboRecords(records);
   QStringList names;
