@@ -10,23 +10,14 @@
 
 #include <sys/resource.h>
 
+#include "common/QvzFixture.h"
 #include "core/XmlOutputFile.h"
+
+using ombrelle::test::QvzFixture;
 
 using namespace ombrelle;
 
 namespace {
-
-QByteArray ReadAll(const QString& path) {
-  QFile file(path);
-  if (!file.open(QIODevice::ReadOnly)) return "<missing>";
-  return file.readAll();
-}
-
-void WriteBytes(const QString& path, const QByteArray& bytes) {
-  QFile file(path);
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  file.write(bytes);
-}
 
 QStringList Entries(const QTemporaryDir& dir) {
   return QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
@@ -75,23 +66,23 @@ TEST(QVZ2XMLOutputFile, WritesEveryPieceInOrderAcrossBufferBoundaries) {
     expected += "\r\n";
   }
   EXPECT_EQ(out.BytesWritten(), expected.size());
-  EXPECT_EQ(ReadAll(path), "<missing>");  // nothing under the final name before Commit
+  EXPECT_FALSE(QFile::exists(path));  // nothing under the final name before Commit
   ASSERT_TRUE(out.Commit());
   EXPECT_FALSE(out.IsOpen());
-  EXPECT_EQ(ReadAll(path), expected);
+  EXPECT_EQ(QvzFixture::ReadBytes(path), expected);
   EXPECT_EQ(Entries(dir), QStringList{"out.xml"});  // no temporary file left
 }
 
 TEST(QVZ2XMLOutputFile, OldFileStaysUntilCommitAndAfterDiscard) {
   QTemporaryDir dir;
   const QString path = dir.filePath("out.xml");
-  WriteBytes(path, "old content");
+  QvzFixture::WriteBytes(path, "old content");
   {
     XmlOutputFile out;
     ASSERT_TRUE(out.Create(path));
     out.Write("new content");
     out.Discard();
-    EXPECT_EQ(ReadAll(path), "old content");
+    EXPECT_EQ(QvzFixture::ReadBytes(path), "old content");
     EXPECT_EQ(Entries(dir), QStringList{"out.xml"});
   }
   {
@@ -99,7 +90,7 @@ TEST(QVZ2XMLOutputFile, OldFileStaysUntilCommitAndAfterDiscard) {
     ASSERT_TRUE(out.Create(path));
     out.Write("abandoned");
   }  // destroyed without Commit
-  EXPECT_EQ(ReadAll(path), "old content");
+  EXPECT_EQ(QvzFixture::ReadBytes(path), "old content");
   EXPECT_EQ(Entries(dir), QStringList{"out.xml"});
 
   const QFile::Permissions permissions =
@@ -108,9 +99,9 @@ TEST(QVZ2XMLOutputFile, OldFileStaysUntilCommitAndAfterDiscard) {
   XmlOutputFile out;
   ASSERT_TRUE(out.Create(path));
   out.Write("new content");
-  EXPECT_EQ(ReadAll(path), "old content");
+  EXPECT_EQ(QvzFixture::ReadBytes(path), "old content");
   ASSERT_TRUE(out.Commit());
-  EXPECT_EQ(ReadAll(path), "new content");
+  EXPECT_EQ(QvzFixture::ReadBytes(path), "new content");
   // The replaced file's permissions stay.
   const QFile::Permissions userBits = QFile::ReadUser | QFile::WriteUser | QFile::ExeUser;
   EXPECT_EQ(QFile::permissions(path) & ~userBits, permissions);
@@ -157,7 +148,7 @@ TEST(QVZ2XMLOutputFile, FailedRenameLeavesNoFileBehind) {
 TEST(QVZ2XMLOutputFile, FailedWriteStopsTheStreamAndKeepsTheOldFile) {
   QTemporaryDir dir;
   const QString path = dir.filePath("out.xml");
-  WriteBytes(path, "old content");
+  QvzFixture::WriteBytes(path, "old content");
   XmlOutputFile out(1024);
   ASSERT_TRUE(out.Create(path));
   {
@@ -169,7 +160,7 @@ TEST(QVZ2XMLOutputFile, FailedWriteStopsTheStreamAndKeepsTheOldFile) {
   }
   EXPECT_EQ(out.ErrorNumber(), EFBIG);
   EXPECT_EQ(out.ErrorText().toStdString(), "File too large");
-  EXPECT_EQ(ReadAll(path), "old content");
+  EXPECT_EQ(QvzFixture::ReadBytes(path), "old content");
   EXPECT_EQ(Entries(dir), QStringList{"out.xml"});
 }
 

@@ -46,18 +46,6 @@ RunResult RunQvzview(const QStringList& arguments, const QString& workingDir) {
   return result;
 }
 
-QByteArray ReadAll(const QString& path) {
-  QFile file(path);
-  if (!file.open(QIODevice::ReadOnly)) return "<missing>";
-  return file.readAll();
-}
-
-void WriteBytes(const QString& path, const QByteArray& bytes) {
-  QFile file(path);
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  file.write(bytes);
-}
-
 // A small database: one project row, two procedures.
 QString WriteDatabase(const QString& path) {
   QvzFixture f;
@@ -111,7 +99,7 @@ TEST_F(BatchRoadXml, SaveXmlWritesTheDocumentAndConfirmsOnStandardOutput) {
   EXPECT_EQ(run.err.toStdString(), "");
   EXPECT_EQ(run.out.toStdString(),
             ("Save metrics as XML: Metrics saved to " + Path("batch.xml") + "\n").toStdString());
-  const QByteArray xml = ReadAll(Path("batch.xml"));
+  const QByteArray xml = QvzFixture::ReadBytes(Path("batch.xml"));
   EXPECT_TRUE(xml.startsWith("<?xml version=\"1.0\"?>\r\n<qvz>\r\n"))
       << xml.left(100).toStdString();
   EXPECT_TRUE(xml.contains(" <system>Batch &#38; co &#60;2024-01-31&#62;</system>\r\n"));
@@ -129,12 +117,12 @@ TEST_F(BatchRoadXml, SaveXmlWritesTheDocumentAndConfirmsOnStandardOutput) {
 TEST_F(BatchRoadXml, SilentDeleteOverwritesWithoutAQuestionAndDeletesTheInput) {
   const QString input = WriteDatabase(Path("in.qvz"));
   const QString output = Path("out.xml");
-  WriteBytes(output, "old");
+  QvzFixture::WriteBytes(output, "old");
   const RunResult run = Run({"/SAVEXMLDELS", input, output});
   EXPECT_EQ(run.err.toStdString(), "");
   EXPECT_EQ(run.out.toStdString(), "");
   EXPECT_FALSE(QFile::exists(input));
-  EXPECT_TRUE(ReadAll(output).startsWith("<?xml version=\"1.0\"?>\r\n"));
+  EXPECT_TRUE(QvzFixture::ReadBytes(output).startsWith("<?xml version=\"1.0\"?>\r\n"));
   EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"out.xml"});
   ExpectXmllintAccepts(output);
 }
@@ -153,25 +141,25 @@ TEST_F(BatchRoadXml, FailingExportKeepsTheInput) {
   // Not a database: the reader's own message, then the export's, both on
   // standard error.
   const QString broken = Path("broken.qvz");
-  WriteBytes(broken, "no database");
+  QvzFixture::WriteBytes(broken, "no database");
   RunResult run = Run({"/SAVEXMLDELS", broken});
   EXPECT_TRUE(run.err.endsWith("Save metrics as XML: Cannot locate or open " + broken + "\n"))
       << run.err.toStdString();
   EXPECT_EQ(run.out.toStdString(), "");
-  EXPECT_EQ(ReadAll(broken), "no database");
+  EXPECT_EQ(QvzFixture::ReadBytes(broken), "no database");
   EXPECT_FALSE(QFile::exists(Path("broken.xml")));
 
   // Without the silent switch an existing output is a question, which nobody
   // at a console can answer: declined, nothing overwritten or deleted.
   const QString input = WriteDatabase(Path("in.qvz"));
   const QString output = Path("out.xml");
-  WriteBytes(output, "old");
+  QvzFixture::WriteBytes(output, "old");
   run = Run({"/SAVEXMLDEL", input, output});
   EXPECT_EQ(run.err.toStdString(),
             ("Save metrics as XML: " + output + "\r\nFile exists. Overwrite?\n").toStdString());
   EXPECT_EQ(run.out.toStdString(), "");
   EXPECT_TRUE(QFile::exists(input));
-  EXPECT_EQ(ReadAll(output), "old");
+  EXPECT_EQ(QvzFixture::ReadBytes(output), "old");
 
   // An output that cannot be created.
   run = Run({"/SAVEXMLDELS", input, Path("missing/out.xml")});
