@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <QStringList>
+#include <QFileInfo>
 
 #include "core/MetricDefinitions.h"
 #include "core/MetricRead.h"
@@ -42,6 +43,18 @@ QString QVZ2XML::ShowFileSaveDialog(const QString& title) {
                         QString(), title);
 }
 
+namespace {
+// An export over its own input would destroy the database (and a DEL switch
+// would then delete the XML as well): refuse it with a message.
+bool NamesInput(const QString& output, const QString& input) {
+  const QString target = QFileInfo(output).canonicalFilePath();
+  if (target.isEmpty() || target != QFileInfo(input).canonicalFilePath()) return false;
+  Ui().MsgBox(QStringLiteral("Cannot save metrics over the database itself:\r\n") + output,
+              MsgStyle::Exclamation, QStringLiteral("Save metrics as XML"));
+  return true;
+}
+}  // namespace
+
 bool QVZ2XML::SaveQVZ2XML(const QString& input, QString& output, bool interactive) {
   BusyCursor busy;
   if (!FileExists(input)) {
@@ -53,6 +66,7 @@ bool QVZ2XML::SaveQVZ2XML(const QString& input, QString& output, bool interactiv
     output = ReplaceExtension(input, QStringLiteral("xml"));
     madeName = true;
   }
+  if (NamesInput(output, input)) return false;
   if (interactive && FileExists(output)) {
     const int answer = Ui().MsgBox(output + kCrLf + QStringLiteral("File exists. Overwrite?"),
                                    MsgStyle::YesNoQuestion, kTitle);
@@ -70,6 +84,8 @@ bool QVZ2XML::SaveQVZ2XML(const QString& input, QString& output, bool interactiv
       if (!open) {
         const QString other = ShowFileSaveDialog(kTitle);
         if (other.isEmpty())
+          cancelled = true;
+        else if (NamesInput(other, input))
           cancelled = true;
         else
           output = other;

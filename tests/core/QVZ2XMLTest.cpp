@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -356,6 +357,20 @@ TEST_F(QVZ2XMLExport, MissingInputIsReported) {
     EXPECT_EQ(m_ui.messages[0].title, kTitle);
   }
   EXPECT_TRUE(Entries(m_dir.path()).isEmpty());
+}
+
+TEST_F(QVZ2XMLExport, OutputNamingTheInputIsRefusedAndTheDatabaseKept) {
+  const QString input = WriteSample();
+  const QByteArray before = QvzFixture::ReadBytes(input);
+  for (const bool interactive : {true, false}) {
+    m_ui.messages.clear();
+    QString output = m_dir.path() + "/./" + QFileInfo(input).fileName();
+    EXPECT_FALSE(SaveQVZ2XML(input, output, interactive));
+    EXPECT_ONLY_UI_MESSAGE(
+        m_ui, ("Cannot save metrics over the database itself:\r\n" + output).toStdString(),
+        kExclamation);
+    EXPECT_EQ(QvzFixture::ReadBytes(input), before);
+  }
 }
 
 TEST_F(QVZ2XMLExport, ExistingOutputInInteractiveRunsAsksFirst) {
