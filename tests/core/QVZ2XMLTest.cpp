@@ -11,6 +11,7 @@
 
 #include <sys/resource.h>
 
+#include "common/OutsideReaders.h"
 #include "common/MessageAssertions.h"
 #include "common/QvzFixture.h"
 #include "core/MetricSave.h"
@@ -20,6 +21,7 @@
 #include "support/ScriptedUiServices.h"
 
 using namespace ombrelle;
+using ombrelle::test::ExpectXmllintAccepts;
 using ombrelle::test::QvzFixture;
 using ombrelle::test::SeriesSpec;
 
@@ -151,19 +153,6 @@ std::string Expected(const char* document) {
 
 QStringList Entries(const QString& folder) {
   return QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name);
-}
-
-// Every exported file must be well-formed XML to an outside reader.
-void ExpectXmllintAccepts(const QString& path) {
-  const QString xmllint = QStandardPaths::findExecutable(QStringLiteral("xmllint"));
-  if (xmllint.isEmpty()) {
-    GTEST_SKIP() << "xmllint (libxml2-utils) is not installed";
-  }
-  QProcess process;
-  process.start(xmllint, {QStringLiteral("--noout"), path});
-  ASSERT_TRUE(process.waitForFinished(30000));
-  EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-  EXPECT_TRUE(process.readAllStandardError().isEmpty());
 }
 
 // Limits the size of files this process may write, the way a full disc stops

@@ -8,8 +8,10 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
+#include "common/OutsideReaders.h"
 #include "common/QvzFixture.h"
 
+using ombrelle::test::ExpectXmllintAccepts;
 using ombrelle::test::QvzFixture;
 using ombrelle::test::SeriesSpec;
 
@@ -57,15 +59,6 @@ QString WriteDatabase(const QString& path) {
   procedures.rowNames = {QStringLiteral("First"), QStringLiteral("Second")};
   procedures.series = {SeriesSpec::Stored(4050, 1, {4, 6}), SeriesSpec::Stored(4051, 1, {1, 3})};
   return f.Write(path);
-}
-
-void ExpectXmllintAccepts(const QString& path) {
-  const QString xmllint = QStandardPaths::findExecutable(QStringLiteral("xmllint"));
-  if (xmllint.isEmpty()) GTEST_SKIP() << "xmllint (libxml2-utils) is not installed";
-  QProcess process;
-  process.start(xmllint, {QStringLiteral("--noout"), path});
-  ASSERT_TRUE(process.waitForFinished(30000));
-  EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
 }
 
 class BatchRoadXml : public ::testing::Test {

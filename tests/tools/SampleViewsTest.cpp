@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 
 #include "SampleWriter.h"
+#include "common/OutsideReaders.h"
+#include "core/QVZ2XML.h"
 #include "core/MetricRead.h"
 #include "limits/MetricLimits.h"
 #include "support/SettingsStore.h"
@@ -121,4 +123,14 @@ TEST_F(SampleViews, LatestLargeProjectHasProceduresOutsideTheDefaultLimits) {
   const int outside = limits.CalcOutsideLimits(cc, kProcedureCC);
   EXPECT_GT(outside, 0);
   EXPECT_LT(outside, cc.count() / 5);  // a few outliers, not the bulk
+}
+
+TEST_F(SampleViews, ExportOfTheSmallestSampleIsValidXml) {
+  MetricRead reader;
+  const std::vector<int> saves = SavesOf(reader, QStringLiteral("Billing.vbp"));
+  ASSERT_FALSE(saves.empty());
+  const QString input = reader.GetDatabaseFilename(saves.back());
+  QString output = s_folder->path() + "/billing.xml";
+  ASSERT_TRUE(SaveQVZ2XML(input, output, false));
+  ombrelle::test::ExpectXmllintAccepts(output);
 }
