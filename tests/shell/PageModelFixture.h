@@ -49,7 +49,7 @@ class RecordingPageView : public PageView {
 inline QString SampleFolder() { return QStringLiteral(OMBRELLE_BUILD_DIR "/sample"); }
 
 class PageModelTest : public ::testing::Test {
- protected:
+ public:
   static void SetUpTestSuite() {
     s_settings = std::make_unique<QTemporaryDir>();
     SetSettingsFilePath(s_settings->filePath(QStringLiteral("settings.ini")));
