@@ -31,8 +31,8 @@ constexpr PageDefinition kPageDefinitions[kPageCount] = {
     {"&Variables", "Variable metrics", 5000, DataModes::OneFile},
 };
 
-const char* const kCompareClassItems[] = {"Entire analysis", "File:", "Class:", "Procedure:",
-                                          "Variable:"};
+const char* const kCompareClassItems[] = {"Entire analysis",
+                                          "File:", "Class:", "Procedure:", "Variable:"};
 const char* const kTimeStyleItems[] = {"Metric value", "Change (+/-)", "Relative change (%)",
                                        "Change/day (\u00B1/d)", "Change/month (\u00B1/m)"};
 
@@ -128,7 +128,7 @@ void PageModel::Start(const QString& commandLineDatabase) {
 
   int database = 0;
   if (!commandLineDatabase.isEmpty() && QFileInfo::exists(commandLineDatabase))
-    database = m_reader->LocateAndOpenDatabase(commandLineDatabase, false);
+    database = m_reader->LocateAndOpenDatabase(commandLineDatabase, true);
   if (database > 0) {
     m_currentDatabase = database;
     SelectPage(2);
@@ -295,12 +295,24 @@ void PageModel::FillSelectionCombo() {
 
 void PageModel::ComboClicked(PageCombo combo) {
   switch (combo) {
-    case PageCombo::Analysis: AnalysisClick(); break;
-    case PageCombo::CompareClass: CompareClassClick(); break;
-    case PageCombo::ProjectInTimeStyle: ProjectInTimeStyleClick(); break;
-    case PageCombo::CompareRecord: CompareRecordClick(); break;
-    case PageCombo::MetricLimit: MetricLimitClick(); break;
-    case PageCombo::MetricSelection: MetricSelectionClick(); break;
+    case PageCombo::Analysis:
+      AnalysisClick();
+      break;
+    case PageCombo::CompareClass:
+      CompareClassClick();
+      break;
+    case PageCombo::ProjectInTimeStyle:
+      ProjectInTimeStyleClick();
+      break;
+    case PageCombo::CompareRecord:
+      CompareRecordClick();
+      break;
+    case PageCombo::MetricLimit:
+      MetricLimitClick();
+      break;
+    case PageCombo::MetricSelection:
+      MetricSelectionClick();
+      break;
   }
 }
 

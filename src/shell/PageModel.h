@@ -28,20 +28,20 @@ inline constexpr int kPageCount = 7;
 
 // Per-page state of the main window's table.
 struct PageRecord {
-  bool Loaded = false;          // series read; the grid may ask for cells
-  int FirstColumn = 0;          // index in Series of the page's first column
-  int ColumnCount = 0;          // number of metric columns
-  std::int32_t Rows = 0;        // number of data rows
-  QStringList RowHeaders;       // 1-based in the model's terms: RowHeaders[i - 1]
+  bool Loaded = false;                 // series read; the grid may ask for cells
+  int FirstColumn = 0;                 // index in Series of the page's first column
+  int ColumnCount = 0;                 // number of metric columns
+  std::int32_t Rows = 0;               // number of data rows
+  QStringList RowHeaders;              // 1-based in the model's terms: RowHeaders[i - 1]
   std::vector<std::int32_t> RowOrder;  // display position i -> data row, at RowOrder[i - 1]
-  int SortColumn = 0;           // grid column sorted on, negative descending, 0 none
-  MetricId PageMetric = 0;      // metric under the cursor when the page was last left
+  int SortColumn = 0;                  // grid column sorted on, negative descending, 0 none
+  MetricId PageMetric = 0;             // metric under the cursor when the page was last left
 };
 
 // One entry of SeriesInfo, beside each element of Series.
 struct SeriesEntry {
   std::int32_t MetricId = 0;  // metric of the column
-  int Format = 0;  // display format of the value (MetricFormatOnPage kind 0)
+  int Format = 0;             // display format of the value (MetricFormatOnPage kind 0)
 };
 
 // The drop-down lists of the window, each a ListModel the model owns.
@@ -98,6 +98,14 @@ class PageView {
 // read through MetricRead, the combos, the state of the grid it drives
 // through an OwnerGridLogic, and the statistics panel. Owns the series of
 // all loaded pages, the reader, the limit set in force and the selection.
+//
+// A window binds to it so: AttachGrid(its grid's logic), SetView(itself),
+// Start(); tab clicks go to TabClicked, a user's choice in a combo to
+// ChooseComboItem, window keys to WindowKeyDown, the menu's rotated view to
+// ToggleRotated and its display charts to Panel().ToggleDisplayCharts().
+// The grid's events reach the model directly. The window reads the texts
+// back (PageCaption, Combo(x), DatabaseDetailsText, Panel().Texts()) when
+// PageView tells it they changed.
 class PageModel {
  public:
   PageModel();
@@ -107,14 +115,18 @@ class PageModel {
 
   // --- Binding ------------------------------------------------------------
   // The grid the model lays out and answers; the model becomes its owner of
-  // events. Not owned; attach before Start.
+  // events. Not owned; attach before Start. Until then the model lays out a
+  // grid of its own.
   void AttachGrid(OwnerGridLogic& grid);
   OwnerGridLogic* Grid() const { return m_grid; }
   // The window; not owned, may be null.
   void SetView(PageView* view) { m_view = view; }
   PageView* View() const { return m_view; }
   // Font that column widths are measured with; the grid's cell font when unset.
-  void SetMeasureFont(const QFont& font) { m_measureFont = font; m_hasMeasureFont = true; }
+  void SetMeasureFont(const QFont& font) {
+    m_measureFont = font;
+    m_hasMeasureFont = true;
+  }
 
   // --- Start (Form_Load) ---------------------------------------------------
   // Makes the reader (looking for first databases when none is known), fills
@@ -126,7 +138,7 @@ class PageModel {
   static QString PageCaption(int page);  // "&All analyses" ...
   static QString PageTip(int page);      // "All analyses available" ...
   static MetricId FirstMetricOfPage(int page);
-  static int DataModeOfPage(int page);   // for pages other than 2
+  static int DataModeOfPage(int page);  // for pages other than 2
   QString ProgramTitle() const;
   QString PageTitle() const;
   const QString& DatabaseDetailsText() const { return m_detailsText; }
@@ -149,6 +161,7 @@ class PageModel {
   bool Activating() const { return m_activating; }
   int SelectedTab() const { return m_selectedTab; }
 
+  // The access object; made by Start.
   MetricRead& Reader() const { return *m_reader; }
   const MetricDefinitions& Definitions() const { return m_definitions; }
   // The rule set in force, made on first use.

@@ -25,13 +25,20 @@ bool IsDateOrDays(MetricId id) { return id == 1000 || id == 1001; }
 int PageModel::MetricClassOfPage(int page) const {
   switch (page) {
     case 0:
-    case 1: return ClassProject;
-    case 2: return CompareClassIndex();
-    case 3: return ClassFile;
-    case 4: return ClassClass;
-    case 5: return ClassProcedure;
-    case 6: return ClassVariable;
-    default: return ClassProject;
+    case 1:
+      return ClassProject;
+    case 2:
+      return CompareClassIndex();
+    case 3:
+      return ClassFile;
+    case 4:
+      return ClassClass;
+    case 5:
+      return ClassProcedure;
+    case 6:
+      return ClassVariable;
+    default:
+      return ClassProject;
   }
 }
 
@@ -55,11 +62,20 @@ QString PageModel::MetricCaption(MetricId id) const {
     caption += QLatin1Char('/') + MetricDefinitions::GetMetricClassName(metricClass, true);
   if (m_currentPage == 2 && id > 1001) {
     switch (m_timeStyle) {
-      case 1: caption = QStringLiteral("\u00B1") + caption; break;
-      case 2: caption = QLatin1Char('%') + caption; break;
-      case 3: caption = QStringLiteral("\u00B1") + caption + QStringLiteral("/d"); break;
-      case 4: caption = QStringLiteral("\u00B1") + caption + QStringLiteral("/m"); break;
-      default: break;
+      case 1:
+        caption = QStringLiteral("\u00B1") + caption;
+        break;
+      case 2:
+        caption = QLatin1Char('%') + caption;
+        break;
+      case 3:
+        caption = QStringLiteral("\u00B1") + caption + QStringLiteral("/d");
+        break;
+      case 4:
+        caption = QStringLiteral("\u00B1") + caption + QStringLiteral("/m");
+        break;
+      default:
+        break;
     }
   }
   return caption;
@@ -87,17 +103,19 @@ QString PageModel::PageTitle() const {
       MetricDefinitions::GetMetricClassName(MetricClassOfPage(m_currentPage), false) +
       QStringLiteral(" metrics");
   const ListModel& records = Combo(PageCombo::CompareRecord);
-  const QString record =
-      records.Visible() ? QLatin1Char(' ') + records.Text() : QString();
+  const QString record = records.Visible() ? QLatin1Char(' ') + records.Text() : QString();
   const QString analysis = Combo(PageCombo::Analysis).Text();
   switch (m_currentPage) {
-    case 0: return classTitle + QStringLiteral(", all projects");
-    case 1: return classTitle + QStringLiteral(", latest saves");
+    case 0:
+      return classTitle + QStringLiteral(", all projects");
+    case 1:
+      return classTitle + QStringLiteral(", latest saves");
     case 2:
       if (m_timeStyle == 0) return classTitle + QLatin1Char(' ') + analysis + record;
       return Combo(PageCombo::ProjectInTimeStyle).Text() + QStringLiteral(" (") + classTitle +
              QStringLiteral(") ") + analysis + record;
-    default: return classTitle + QLatin1Char(' ') + analysis;
+    default:
+      return classTitle + QLatin1Char(' ') + analysis;
   }
 }
 
@@ -228,7 +246,8 @@ QString PageModel::RowActionCommand(int row, int column) const {
     name = CellValue(row, 1).toString();
   }
   switch (m_currentPage) {
-    case 3: return QStringLiteral("Move F ") + name;
+    case 3:
+      return QStringLiteral("Move F ") + name;
     case 4:
     case 5:
     case 6: {
@@ -237,10 +256,13 @@ QString PageModel::RowActionCommand(int row, int column) const {
       const int metricClass = m_currentPage - 2;
       const QString file = m_reader->GetItemFilename(metricClass, row);
       if (file.isEmpty()) return {};
-      const char* verb = m_currentPage == 4 ? "Move C " : m_currentPage == 5 ? "Move P " : "Move V ";
+      const char* verb = m_currentPage == 4   ? "Move C "
+                         : m_currentPage == 5 ? "Move P "
+                                              : "Move V ";
       return QString::fromLatin1(verb) + file + QLatin1Char(' ') + name;
     }
-    default: return {};
+    default:
+      return {};
   }
 }
 

@@ -15,10 +15,10 @@ namespace {
 constexpr int kCountFormat = 1;
 constexpr int kAverageFormat = 7;
 
-#define OMBRELLE_PANEL_CAPTION(name, text)          \
-  const QString& StatsPanel::name() {                \
+#define OMBRELLE_PANEL_CAPTION(name, text)               \
+  const QString& StatsPanel::name() {                    \
     static const QString caption = QStringLiteral(text); \
-    return caption;                                  \
+    return caption;                                      \
   }
 
 }  // namespace
@@ -86,8 +86,8 @@ void StatsPanel::UpdateStats(int series) {
   StatsTexts texts;
   CStats* stats = series >= 1 ? m_page.Series(series) : nullptr;
   if (series >= 1) {
-    QString title = m_page.SeriesCaption(series) + QLatin1Char(' ') +
-                    definitions.GetMetricName(id, NameLong);
+    QString title =
+        m_page.SeriesCaption(series) + QLatin1Char(' ') + definitions.GetMetricName(id, NameLong);
     texts.Title = title.replace(QLatin1Char('&'), QStringLiteral("&&"));
     texts.Descr = definitions.GetMetricName(id, NameDescription);
   }

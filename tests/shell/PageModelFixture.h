@@ -65,12 +65,14 @@ class PageModelTest : public ::testing::Test {
     StartModel();
   }
 
-  void StartModel() {
+  void StartModel(const QString& commandLineDatabase = QString()) {
+    model.reset();
+    view = RecordingPageView();
     model = std::make_unique<PageModel>();
     grid = std::make_unique<OwnerGridLogic>(nullptr, &host);
     model->AttachGrid(*grid);
     model->SetView(&view);
-    model->Start();
+    model->Start(commandLineDatabase);
   }
 
   // The text and colour the grid would paint in a cell.

@@ -33,7 +33,8 @@ class PageModelSortTest : public PageModelTest, public testing::WithParamInterfa
 TEST_P(PageModelSortTest, SortAndReverseKeepRowsTogether) {
   const int page = GetParam();
   model->TabClicked(page);
-  const int column = model->FindGridColumn(page <= 2 ? 1009 : MetricId(page == 3 ? 2001 : 4001)) + 1;
+  const int column =
+      model->FindGridColumn(page <= 2 ? 1009 : MetricId(page == 3 ? 2001 : 4001)) + 1;
   ASSERT_GT(column, 1);
   const auto unsorted = ColumnByHeader(*this, *grid, column);
   ASSERT_GT(unsorted.size(), 2u);
@@ -164,9 +165,9 @@ TEST_F(PageModelTest, RedCellsOnlyWhereValuesBreakTheirRule) {
     bool judged;
     bool someOutside;  // the first screen holds values outside their rules
   };
-  const Case cases[] = {{0, 0, true, true},   {1, 0, true, true},  {2, 0, true, true},
-                        {2, 1, false, true},  {2, 2, false, true}, {3, 0, true, false},
-                        {5, 0, true, true},   {6, 0, true, false}};
+  const Case cases[] = {{0, 0, true, true},  {1, 0, true, true},  {2, 0, true, true},
+                        {2, 1, false, true}, {2, 2, false, true}, {3, 0, true, false},
+                        {5, 0, true, true},  {6, 0, true, false}};
   int redsSeen = 0;
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << "page " << c.page << " style " << c.style);
@@ -207,7 +208,8 @@ TEST_F(PageModelTest, NoLimitsNoRed) {
   model->TabClicked(5);
   MetricLimits::SetCurrentLimitID(LimitSet::None);
   model->FillLimitCombo();
-  ASSERT_EQ(model->Combo(PageCombo::MetricLimit).ItemData(model->Combo(PageCombo::MetricLimit).ListIndex()),
+  ASSERT_EQ(model->Combo(PageCombo::MetricLimit)
+                .ItemData(model->Combo(PageCombo::MetricLimit).ListIndex()),
             LimitSet::None);
   model->Panel().UpdateLimitView();
   for (int row = 1; row <= grid->Rows(); ++row)
@@ -220,7 +222,8 @@ TEST_F(PageModelTest, NoLimitsNoRed) {
   EXPECT_EQ(MetricLimits::GetCurrentLimitID(), LimitSet::Default);
   int reds = 0;
   for (int row = 1; row <= grid->Rows(); ++row)
-    for (int column = 2; column <= grid->Columns(); ++column) reds += Cell(row, column).second == kRed;
+    for (int column = 2; column <= grid->Columns(); ++column)
+      reds += Cell(row, column).second == kRed;
   EXPECT_GT(reds, 0);
 }
 

@@ -37,8 +37,10 @@ TEST_F(PageModelTest, StartOpensAllAnalysesWithTheDateColumnFixed) {
   QStringList classes;
   for (int i = 0; i < model->Combo(PageCombo::CompareClass).ListCount(); ++i)
     classes << model->Combo(PageCombo::CompareClass).List(i);
-  EXPECT_EQ(classes, QStringList({"Entire analysis", "File:", "Class:", "Procedure:", "Variable:"}));
-  EXPECT_EQ(model->Combo(PageCombo::ProjectInTimeStyle).List(3), QString::fromUtf8("Change/day (\u00B1/d)"));
+  EXPECT_EQ(classes,
+            QStringList({"Entire analysis", "File:", "Class:", "Procedure:", "Variable:"}));
+  EXPECT_EQ(model->Combo(PageCombo::ProjectInTimeStyle).List(3),
+            QString::fromUtf8("Change/day (\u00B1/d)"));
   EXPECT_GT(model->Combo(PageCombo::MetricLimit).ListCount(), 0);
   EXPECT_GT(model->Combo(PageCombo::MetricSelection).ListCount(), 0);
   EXPECT_TRUE(scripted.ui.messages.empty());
@@ -210,12 +212,58 @@ TEST_F(PageModelTest, PageTitles) {
             UiServices::AppTitle() + " " + VersionText(false) + " for Tarnwick v10.0");
 }
 
+TEST_F(PageModelTest, NamedDatabaseOpensItsProjectInTime) {
+  StartModel(SampleFolder() + "/2024-09-30 Harbour.qvz");
+  EXPECT_EQ(model->CurrentPage(), 2);
+  EXPECT_EQ(view.tabs, std::vector<int>{2});
+  EXPECT_EQ(model->Pages(2).Rows, SavesOf("Harbour"));
+  const int database = model->CurrentDatabase();
+  EXPECT_EQ(model->Reader().Database(database).Title, "Harbour 1.3");
+  // The cursor is on the row of that analysis.
+  EXPECT_EQ(model->Reader().GridRowToQVZDatabase(grid->GetCurRow()), database);
+  EXPECT_EQ(Cell(grid->GetCurRow(), 1).first, "Harbour 1.3");
+
+  // A file that is not there leaves the window on page 0.
+  StartModel(SampleFolder() + "/missing.qvz");
+  EXPECT_EQ(model->CurrentPage(), 0);
+  EXPECT_EQ(view.tabs, std::vector<int>{0});
+  EXPECT_TRUE(scripted.ui.messages.empty());
+}
+
+TEST_F(PageModelTest, BusyCursorIsDownAfterEveryEvent) {
+  EXPECT_EQ(Ui().BusyCount(), 0);
+  for (int page : {3, 2, 5, 1, 6, 0}) {
+    model->TabClicked(page);
+    EXPECT_EQ(Ui().BusyCount(), 0) << page;
+  }
+  model->ChooseComboItem(PageCombo::ProjectInTimeStyle, 1);
+  grid->SortClick(-3);
+  model->ToggleRotated();
+  EXPECT_EQ(Ui().BusyCount(), 0);
+  EXPECT_GT(scripted.ui.busyShown, 0);
+}
+
+TEST_F(PageModelTest, HeaderColumnHasNoSeries) {
+  model->ColumnChanged(1);
+  EXPECT_EQ(model->CurrentSeries(), 0);
+  EXPECT_EQ(model->CurrentMetric(), 0);
+  EXPECT_EQ(model->Pages(0).PageMetric, 0);
+  EXPECT_EQ(model->Panel().Texts().Title, "");
+  EXPECT_EQ(model->Panel().Texts().Count, "");
+  EXPECT_EQ(model->SeriesMetric(0), 0);
+  EXPECT_EQ(model->FindSeries(9999), 0);
+  EXPECT_EQ(model->FindGridColumn(9999), 0);
+}
+
 TEST_F(PageModelTest, TabCaptionsAndTips) {
-  const char* const captions[] = {"&All analyses", "&Latest analyses", "Project in &time",
-                                  "F&iles", "Classe&s", "&Procedures", "&Variables"};
-  const char* const tips[] = {"All analyses available", "Compare the latest status of each project",
-                              "All analyses of a single project", "File metrics",
-                              "Class metrics (object-oriented)", "Procedure metrics",
+  const char* const captions[] = {"&All analyses", "&Latest analyses", "Project in &time", "F&iles",
+                                  "Classe&s",      "&Procedures",      "&Variables"};
+  const char* const tips[] = {"All analyses available",
+                              "Compare the latest status of each project",
+                              "All analyses of a single project",
+                              "File metrics",
+                              "Class metrics (object-oriented)",
+                              "Procedure metrics",
                               "Variable metrics"};
   for (int page = 0; page < kPageCount; ++page) {
     EXPECT_EQ(PageModel::PageCaption(page), captions[page]);
@@ -235,9 +283,9 @@ TEST_F(PageModelTest, FormatsOnPages) {
   // 1012 is a percentage (3), 1002 a large count (2), 2001 a count shown as
   // an average on the project pages, 1000 the date.
   const Case cases[] = {
-      {0, 0, 1002, 0, 2},  {0, 0, 2001, 0, 7},  {0, 0, 1000, 0, 9},  {3, 0, 2001, 0, 1},
-      {2, 1, 1000, 0, 9},  {2, 1, 1001, 0, 1},  {2, 1, 1002, 0, 2},  {2, 2, 1002, 0, 4},
-      {2, 2, 1000, 0, 9},  {2, 3, 1002, 0, 10}, {2, 4, 1012, 0, 4},  {2, 0, 2001, 0, 7},
+      {0, 0, 1002, 0, 2}, {0, 0, 2001, 0, 7},  {0, 0, 1000, 0, 9}, {3, 0, 2001, 0, 1},
+      {2, 1, 1000, 0, 9}, {2, 1, 1001, 0, 1},  {2, 1, 1002, 0, 2}, {2, 2, 1002, 0, 4},
+      {2, 2, 1000, 0, 9}, {2, 3, 1002, 0, 10}, {2, 4, 1012, 0, 4}, {2, 0, 2001, 0, 7},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << "page " << c.page << " style " << c.style << " id " << c.id);

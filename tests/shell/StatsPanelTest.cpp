@@ -97,9 +97,9 @@ TEST_F(PageModelTest, PanelOnItemPageCountsValuesOutsideTheRule) {
   EXPECT_NE(t.Outliers, "");
   EXPECT_EQ(t.Limits, "<= 66");
   const auto outside = std::count_if(values.begin(), values.end(), [](double v) { return v > 66; });
-  EXPECT_EQ(t.Problematic, QStringLiteral("%1 (%2%)")
-                               .arg(outside)
-                               .arg(std::lround(100.0 * outside / values.size())));
+  EXPECT_EQ(
+      t.Problematic,
+      QStringLiteral("%1 (%2%)").arg(outside).arg(std::lround(100.0 * outside / values.size())));
   EXPECT_EQ(t.Problematic, "1 (2%)");
 
   // Percentages are not added up.
@@ -127,8 +127,8 @@ TEST_F(PageModelTest, PanelOfABlankSeriesKeepsItsLimits) {
   ASSERT_EQ(model->Series(model->CurrentSeries())->count(), 0);
   const StatsTexts& t = model->Panel().Texts();
   EXPECT_EQ(t.Count, "0");
-  for (const QString* text : {&t.Avg, &t.Median, &t.StdDev, &t.Range, &t.Q5Q95, &t.Sum,
-                              &t.Outliers, &t.ExtremeOutliers, &t.Skew, &t.Kurtosis})
+  for (const QString* text : {&t.Avg, &t.Median, &t.StdDev, &t.Range, &t.Q5Q95, &t.Sum, &t.Outliers,
+                              &t.ExtremeOutliers, &t.Skew, &t.Kurtosis})
     EXPECT_EQ(*text, "");
   EXPECT_EQ(t.Limits, "<= 66");
   EXPECT_EQ(t.Problematic, "0");
