@@ -239,15 +239,19 @@ class PageModel {
   void MetricSelectionClick();
   int FillAnalysisCombo(int mode, int database);
   void FillRecordsCombo();
+  void SetCompareRecordVisible(bool visible);
+  void SetComboIndexQuietly(PageCombo combo, int index);
 
   OwnerGridLogic* m_grid = nullptr;
   std::unique_ptr<GridEvents> m_gridEvents;
+  std::unique_ptr<OwnerGridLogic> m_ownGrid;  // until the window attaches its grid
   PageView* m_view = nullptr;
   QFont m_measureFont;
   bool m_hasMeasureFont = false;
 
   int m_currentPage = 0;
   int m_selectedTab = 0;
+  int m_pageLeft = -1;  // the page before the one being activated
   int m_timeStyle = 0;
   std::array<PageRecord, kPageCount> m_pages;
   std::vector<std::unique_ptr<CStats>> m_series;
@@ -262,6 +266,7 @@ class PageModel {
   bool m_rotated = false;
   bool m_selectionGuard = false;
   bool m_activating = false;
+  bool m_quietCombos = false;  // a selection made by the program runs no click
   QString m_detailsText;
   std::array<ListModel, kPageComboCount> m_combos;
   StatsPanel m_panel;
