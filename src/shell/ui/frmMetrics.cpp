@@ -35,6 +35,10 @@ const QString kHelpServerPage = QStringLiteral("https://ombrelle.example.org/pm-
 constexpr int kChartWidth = 240;
 constexpr int kChartHeight = 150;
 
+// Point size of the grid's cells and headers: metric columns are at least 50
+// pixels wide, which holds a seven-digit number with separators at this size.
+constexpr double kGridPointSize = 8.0;
+
 // A place for one small chart: an empty sunken frame until charts are drawn.
 QFrame* MakeChartPlace(const QString& name, QWidget* parent) {
   auto* frame = new QFrame(parent);
@@ -99,10 +103,12 @@ frmMetrics::frmMetrics(QWidget* parent) : QMainWindow(parent) {
   setCentralWidget(central);
   BuildMenus();
 
-  // The window's font is the one the grid paints and measures with.
-  m_grid->Logic().SetCellFont(font());
-  m_grid->Logic().SetHeaderFont(font());
-  m_model.SetMeasureFont(font());
+  // The grid takes the window's font at the compact size the column widths
+  // are made for; the model measures with what the grid paints.
+  QFont gridFont = font();
+  gridFont.setPointSizeF(kGridPointSize);
+  m_grid->Logic().SetCellFont(gridFont);
+  m_grid->Logic().SetHeaderFont(gridFont);
   m_model.AttachGrid(m_grid->Logic());
   m_model.SetView(this);
   BindCombos();
@@ -238,7 +244,6 @@ void frmMetrics::Load(const QString& inputFile, bool about, int aboutMs) {
   SyncCombos();
   setWindowTitle(m_model.ProgramTitle());
   MenuChecksChanged();
-  m_loaded = true;
   if (about) AboutBox::ShowAtStart(m_model.ProgramTitle(), this, aboutMs);
 }
 

@@ -89,7 +89,6 @@ class frmMetrics : public QMainWindow, private PageView {
   QAction* m_rotated = nullptr;
   QAction* m_charts = nullptr;
   bool m_syncingTab = false;
-  bool m_loaded = false;
 };
 
 }  // namespace ombrelle
