@@ -12,8 +12,12 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
+#include <QStyle>
 #include <QTabBar>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 #include "grid/OwnerGridLogic.h"
 #include "grid/ui/OwnerGrid.h"
@@ -232,7 +236,14 @@ void frmMetrics::BuildMenus() {
 }
 
 void frmMetrics::Load(const QString& inputFile, bool about, int aboutMs) {
-  RestoreWindowPlacement(*this);
+  if (!RestoreWindowPlacement(*this)) {
+    // First start: most of the screen, centred.
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+      const QRect area = screen->availableGeometry();
+      const QSize size(std::min(area.width() * 9 / 10, 1400), std::min(area.height() * 9 / 10, 950));
+      setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size, area));
+    }
+  }
   // Shown first: column widths are capped by the grid's width, which the
   // layout gives only to a visible window.
   show();
