@@ -331,6 +331,14 @@ TEST_F(MainWindow, WindowKeysMovePagesFromAnyControl) {
     EXPECT_EQ(window.Model().CurrentPage(), step.page);
     EXPECT_EQ(window.Tabs().currentIndex(), step.page);
   }
+  // Alt+F10 maximises, Alt+F5 brings the normal window back.
+  QKeyEvent maximise(QEvent::KeyPress, Qt::Key_F10, Qt::AltModifier);
+  QApplication::sendEvent(&window.Grid(), &maximise);
+  EXPECT_TRUE(window.windowState() & Qt::WindowMaximized);
+  QKeyEvent normal(QEvent::KeyPress, Qt::Key_F5, Qt::AltModifier);
+  QApplication::sendEvent(&window.Grid(), &normal);
+  EXPECT_FALSE(window.windowState() & Qt::WindowMaximized);
+  EXPECT_EQ(window.Model().CurrentPage(), 0);
 }
 
 TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {

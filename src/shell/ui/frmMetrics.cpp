@@ -253,6 +253,7 @@ void frmMetrics::Load(const QString& inputFile, bool about, int aboutMs) {
     m_model.Start(inputFile);
   }
   SyncCombos();
+  m_grid->setFocus();
   setWindowTitle(m_model.ProgramTitle());
   MenuChecksChanged();
   if (about) AboutBox::ShowAtStart(m_model.ProgramTitle(), this, aboutMs);
