@@ -118,7 +118,9 @@ void PageModel::AttachGrid(OwnerGridLogic& grid) {
 
 void PageModel::Start(const QString& commandLineDatabase) {
   m_reader = std::make_unique<MetricRead>();
-  if (m_reader->GetClassSize(ClassProject) == 0) m_reader->FindFirstDatabases();
+  // Only a start that finds nothing on the search paths looks beside the
+  // program; otherwise every start would add the same folders again.
+  if (m_reader->DatabaseCount() == 0) m_reader->FindFirstDatabases();
   m_series.clear();
   m_series.resize(1);
   m_seriesInfo.assign(1, SeriesEntry{});

@@ -1,15 +1,22 @@
 #include "shell/ui/MainWindowRoad.h"
 
+#include <QApplication>
+
+#include "shell/StartupState.h"
+#include "shell/ui/frmMetrics.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
 
 void RunMainWindow() {
-  // The table view is not built yet; until it is, the interactive road says
-  // so and ends.
-  Ui().MsgBox(QStringLiteral("The table view is not part of this build yet. "
-                             "Use /SAVEXML to export a database; qvzview /? lists the options."),
-              MsgStyle::Information, UiServices::AppTitle());
+  if (!qobject_cast<QApplication*>(QCoreApplication::instance())) {
+    Ui().MsgBox(QStringLiteral("The table view needs a display."), MsgStyle::Exclamation,
+                UiServices::AppTitle());
+    return;
+  }
+  frmMetrics window;
+  window.Load(Startup().InputFile);
+  QApplication::exec();
 }
 
 }  // namespace ombrelle

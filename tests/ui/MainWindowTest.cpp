@@ -1,0 +1,459 @@
+// The main window on the sample databases: pages, combos, statistics frame,
+// rotation, sorting, keys, menus, help, the About box and window placement.
+// Screenshots of every step go to <build>/test-output/MainWindow/.
+#include <memory>
+
+#include <gtest/gtest.h>
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QImage>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMouseEvent>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QTabBar>
+#include <QTemporaryDir>
+
+#include "common/MessageAssertions.h"
+#include "core/MetricRead.h"
+#include "grid/OwnerGridLogic.h"
+#include "grid/ui/OwnerGrid.h"
+#include "shell/StartupState.h"
+#include "shell/ui/AboutBox.h"
+#include "shell/ui/StatsFrame.h"
+#include "shell/ui/frmMetrics.h"
+#include "support/ScriptedUiServices.h"
+#include "support/SettingsStore.h"
+
+namespace ombrelle {
+namespace {
+
+constexpr int kProcedures = 5;
+
+QString OutputFolder() {
+  const QString folder = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/MainWindow");
+  QDir().mkpath(folder);
+  return folder;
+}
+
+void ProcessEvents() {
+  for (int i = 0; i < 3; ++i) QApplication::processEvents();
+}
+
+// Settings in a temporary INI file, the samples copied into a temporary
+// search path, and a window loaded on them.
+class MainWindow : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(m_dir.isValid());
+    m_previousSettings = SettingsFilePath();
+    SetSettingsFilePath(m_dir.filePath(QStringLiteral("settings.ini")));
+    const QDir samples(QStringLiteral(OMBRELLE_BUILD_DIR "/sample"));
+    const QStringList files = samples.entryList({QStringLiteral("*.qvz")}, QDir::Files);
+    ASSERT_GE(files.size(), 3) << "sample databases missing in " << samples.path().toStdString();
+    QDir().mkpath(m_dir.filePath(QStringLiteral("sample")));
+    for (const QString& file : files)
+      ASSERT_TRUE(QFile::copy(samples.filePath(file), SamplePath(file)));
+    m_sampleFiles = files;
+    SaveSetting(QStringLiteral("Databases"), QStringLiteral("path1"),
+                m_dir.filePath(QStringLiteral("sample")));
+    m_savedState = Startup();
+    Startup().HelpFile = m_dir.filePath(QStringLiteral("www/pm-index.html"));
+  }
+
+  void TearDown() override {
+    m_window.reset();
+    Startup() = m_savedState;
+    SetSettingsFilePath(m_previousSettings);
+  }
+
+  QString SamplePath(const QString& file) const {
+    return m_dir.filePath(QStringLiteral("sample/") + file);
+  }
+
+  frmMetrics& Open(const QString& inputFile = QString()) {
+    m_window = std::make_unique<frmMetrics>();
+    m_window->Load(inputFile, false);
+    ProcessEvents();
+    return *m_window;
+  }
+
+  void ClickTab(int page) {
+    m_window->Tabs().setCurrentIndex(page);
+    ProcessEvents();
+  }
+
+  // Picks an item of a combo as the user does.
+  void Choose(PageCombo combo, const QString& text) {
+    QComboBox& widget = m_window->ComboWidget(combo);
+    const int index = widget.findText(text);
+    ASSERT_GE(index, 0) << text.toStdString();
+    widget.setCurrentIndex(index);
+    Q_EMIT widget.activated(index);
+    ProcessEvents();
+  }
+
+  void Screenshot(const QString& name) {
+    const QImage image = m_window->grab().toImage();
+    ASSERT_FALSE(image.isNull());
+    EXPECT_TRUE(image.save(OutputFolder() + QLatin1Char('/') + name + QStringLiteral(".png")));
+  }
+
+  // The visible cells' answers, as the grid asks for them when it paints.
+  int CountVisibleCells(quint32 colour, int* defined = nullptr) {
+    OwnerGridLogic& grid = m_window->Grid().Logic();
+    const OwnerGridLogic::Range range = grid.VisibleRange(false);
+    int count = 0;
+    int withText = 0;
+    for (int row = range.top; row <= range.bottom; ++row) {
+      for (int column = grid.FixedColumns() + 1; column <= range.right; ++column) {
+        QString text;
+        quint32 cellColour = grid.ForeColor();
+        m_window->Model().DataRequest(row, column, text, cellColour);
+        if (!text.isEmpty() && text != QStringLiteral("-")) ++withText;
+        if (cellColour == colour) ++count;
+      }
+    }
+    if (defined) *defined = withText;
+    return count;
+  }
+
+  // Pixels of the grid that are clearly red.
+  int RedPixels() {
+    const QImage image = m_window->Grid().grab().toImage().convertToFormat(QImage::Format_RGB32);
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y)
+      for (int x = 0; x < image.width(); ++x) {
+        const QRgb pixel = image.pixel(x, y);
+        if (qRed(pixel) > 200 && qGreen(pixel) < 80 && qBlue(pixel) < 80) ++count;
+      }
+    return count;
+  }
+
+  QString ValueLabel(const char* name) {
+    QLabel* label = m_window->Stats().ValueLabel(QString::fromLatin1(name));
+    return label ? label->text() : QStringLiteral("<missing>");
+  }
+
+  QTemporaryDir m_dir;
+  QString m_previousSettings;
+  StartupState m_savedState;
+  QStringList m_sampleFiles;
+  std::unique_ptr<frmMetrics> m_window;
+};
+
+TEST_F(MainWindow, TabsCarryTheSevenCaptionsAndTips) {
+  frmMetrics& window = Open();
+  const char* const expected[][2] = {
+      {"&All analyses", "All analyses available"},
+      {"&Latest analyses", "Compare the latest status of each project"},
+      {"Project in &time", "All analyses of a single project"},
+      {"F&iles", "File metrics"},
+      {"Classe&s", "Class metrics (object-oriented)"},
+      {"&Procedures", "Procedure metrics"},
+      {"&Variables", "Variable metrics"},
+  };
+  ASSERT_EQ(window.Tabs().count(), 7);
+  for (int page = 0; page < 7; ++page) {
+    EXPECT_EQ(window.Tabs().tabText(page).toStdString(), expected[page][0]);
+    EXPECT_EQ(window.Tabs().tabToolTip(page).toStdString(), expected[page][1]);
+  }
+  EXPECT_EQ(window.windowTitle(), window.Model().ProgramTitle());
+}
+
+TEST_F(MainWindow, EveryPageShowsRowsAndItsCombos) {
+  frmMetrics& window = Open();
+  // Page, whether the analysis list shows, whether the project-in-time lists show.
+  const struct {
+    int page;
+    bool analysis;
+    bool projectInTime;
+    const char* shot;
+  } pages[] = {
+      {0, false, false, "page0-all-analyses"}, {1, false, false, "page1-latest-analyses"},
+      {2, true, true, "page2-project-in-time"}, {3, true, false, "page3-files"},
+      {4, true, false, "page4-classes"},       {5, true, false, "page5-procedures"},
+      {6, true, false, "page6-variables"},
+  };
+  for (const auto& c : pages) {
+    SCOPED_TRACE(c.page);
+    ClickTab(c.page);
+    EXPECT_EQ(window.Model().CurrentPage(), c.page);
+    EXPECT_EQ(window.Tabs().currentIndex(), c.page);
+    const OwnerGridLogic& grid = window.Grid().Logic();
+    EXPECT_GT(grid.Rows(), 0);
+    EXPECT_GT(grid.Columns(), 2);
+    int defined = 0;
+    CountVisibleCells(0xFFFFFFFF, &defined);
+    EXPECT_GT(defined, 0) << "no number in view";
+    EXPECT_EQ(!window.ComboWidget(PageCombo::Analysis).isHidden(), c.analysis);
+    EXPECT_EQ(!window.ComboWidget(PageCombo::ProjectInTimeStyle).isHidden(), c.projectInTime);
+    EXPECT_EQ(!window.ComboWidget(PageCombo::CompareClass).isHidden(), c.projectInTime);
+    EXPECT_FALSE(window.ComboWidget(PageCombo::MetricLimit).isHidden());
+    EXPECT_FALSE(window.ComboWidget(PageCombo::MetricSelection).isHidden());
+    if (c.analysis) {
+      // The widget holds what the model filled, with the model's selection.
+      const ListModel& list = window.Model().Combo(PageCombo::Analysis);
+      QComboBox& combo = window.ComboWidget(PageCombo::Analysis);
+      ASSERT_EQ(combo.count(), list.ListCount());
+      EXPECT_GT(combo.count(), 0);
+      EXPECT_EQ(combo.currentIndex(), list.ListIndex());
+      EXPECT_EQ(combo.currentText(), list.Text());
+    }
+    // The frame names the column under the cursor and counts its values.
+    EXPECT_FALSE(window.Stats().title().isEmpty());
+    EXPECT_EQ(window.Stats().title(), window.Model().Panel().Texts().Title);
+    EXPECT_EQ(ValueLabel("lblCount"), window.Model().Panel().Texts().Count);
+    EXPECT_FALSE(ValueLabel("lblCount").isEmpty());
+    EXPECT_EQ(window.DatabaseDetails().text(), window.Model().DatabaseDetailsText());
+    Screenshot(QString::fromLatin1(c.shot));
+  }
+}
+
+TEST_F(MainWindow, ProjectInTimeListsHoldTheirDesignTimeItems) {
+  frmMetrics& window = Open();
+  ClickTab(2);
+  auto items = [&](PageCombo combo) {
+    QStringList texts;
+    QComboBox& widget = window.ComboWidget(combo);
+    for (int i = 0; i < widget.count(); ++i) texts << widget.itemText(i);
+    return texts;
+  };
+  EXPECT_EQ(items(PageCombo::CompareClass),
+            QStringList({"Entire analysis", "File:", "Class:", "Procedure:", "Variable:"}));
+  EXPECT_EQ(items(PageCombo::ProjectInTimeStyle),
+            QStringList({"Metric value", "Change (+/-)", "Relative change (%)",
+                         QString::fromUtf8("Change/day (\u00B1/d)"),
+                         QString::fromUtf8("Change/month (\u00B1/m)")}));
+  // A style chosen in the widget reaches the model and the captions.
+  Choose(PageCombo::ProjectInTimeStyle, QStringLiteral("Change (+/-)"));
+  EXPECT_EQ(window.Model().TimeStyle(), 1);
+  bool marked = false;
+  const OwnerGridLogic& grid = window.Grid().Logic();
+  for (int column = 3; column <= grid.Columns(); ++column)
+    marked = marked || grid.ColumnCaption(column).startsWith(QString::fromUtf8("\u00B1"));
+  EXPECT_TRUE(marked);
+  Screenshot(QStringLiteral("page2-change"));
+  // Following one file shows the record list.
+  Choose(PageCombo::CompareClass, QStringLiteral("File:"));
+  EXPECT_FALSE(window.ComboWidget(PageCombo::CompareRecord).isHidden());
+  EXPECT_GT(window.ComboWidget(PageCombo::CompareRecord).count(), 0);
+  EXPECT_EQ(window.ComboWidget(PageCombo::CompareRecord).currentIndex(), 0);
+  Screenshot(QStringLiteral("page2-file-record"));
+}
+
+TEST_F(MainWindow, ProceduresPageShowsRedCellsWithTheDefaultLimits) {
+  frmMetrics& window = Open();
+  Choose(PageCombo::MetricLimit, QStringLiteral("<Default limits>"));
+  ClickTab(kProcedures);
+  ASSERT_EQ(window.Model().CurrentPage(), kProcedures);
+  EXPECT_GT(CountVisibleCells(255), 0);
+  EXPECT_GT(RedPixels(), 0);
+  EXPECT_FALSE(ValueLabel("lblLimits").isEmpty());
+  Screenshot(QStringLiteral("page5-procedures-default-limits"));
+
+  // Without limits nothing is red.
+  Choose(PageCombo::MetricLimit, QStringLiteral("<No limits>"));
+  EXPECT_EQ(CountVisibleCells(255), 0);
+  EXPECT_EQ(RedPixels(), 0);
+}
+
+TEST_F(MainWindow, RotatedViewTransposesAndComesBack) {
+  frmMetrics& window = Open();
+  ClickTab(3);
+  const OwnerGridLogic& grid = window.Grid().Logic();
+  const int rows = grid.Rows();
+  const int metrics = grid.Columns() - 1;
+  QAction* rotate = window.MenuEntry(QStringLiteral("mOptionsRotated"));
+  ASSERT_NE(rotate, nullptr);
+  rotate->trigger();
+  ProcessEvents();
+  EXPECT_TRUE(window.Model().Rotated());
+  EXPECT_TRUE(rotate->isChecked());
+  EXPECT_FALSE(grid.Sortable());
+  EXPECT_EQ(grid.Rows(), metrics);
+  EXPECT_EQ(grid.Columns(), rows + 2);
+  EXPECT_EQ(grid.ColumnCaption(1), QStringLiteral("Metric"));
+  Screenshot(QStringLiteral("page3-rotated"));
+  rotate->trigger();
+  ProcessEvents();
+  EXPECT_FALSE(window.Model().Rotated());
+  EXPECT_FALSE(rotate->isChecked());
+  EXPECT_TRUE(grid.Sortable());
+  EXPECT_EQ(grid.Rows(), rows);
+  EXPECT_EQ(grid.Columns(), metrics + 1);
+}
+
+TEST_F(MainWindow, HeaderClicksSortAndReverse) {
+  frmMetrics& window = Open();
+  ClickTab(kProcedures);
+  OwnerGridLogic& grid = window.Grid().Logic();
+  ASSERT_GT(grid.Rows(), 2);
+  const int column = 3;
+  auto value = [&](int row) { return window.Model().CellValue(row, column).toDouble(); };
+  grid.HeaderClick(column);
+  ProcessEvents();
+  EXPECT_EQ(grid.SortColumn(), column);
+  for (int row = 1; row < grid.Rows(); ++row) ASSERT_LE(value(row), value(row + 1)) << row;
+  Screenshot(QStringLiteral("page5-sorted"));
+  grid.HeaderClick(column);
+  ProcessEvents();
+  EXPECT_EQ(grid.SortColumn(), -column);
+  for (int row = 1; row < grid.Rows(); ++row) ASSERT_GE(value(row), value(row + 1)) << row;
+  Screenshot(QStringLiteral("page5-sorted-descending"));
+}
+
+TEST_F(MainWindow, WindowKeysMovePagesFromAnyControl) {
+  frmMetrics& window = Open();
+  window.Grid().setFocus();
+  const struct {
+    int key;
+    Qt::KeyboardModifiers modifiers;
+    int page;
+  } steps[] = {
+      {Qt::Key_PageDown, Qt::ControlModifier, 1},
+      {Qt::Key_Tab, Qt::ControlModifier, 2},
+      {Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier, 1},
+      {Qt::Key_PageUp, Qt::ControlModifier, 0},
+      {Qt::Key_PageUp, Qt::ControlModifier, 0},  // no page below the first
+  };
+  for (const auto& step : steps) {
+    QKeyEvent press(QEvent::KeyPress, step.key, step.modifiers);
+    QApplication::sendEvent(&window.Grid(), &press);
+    ProcessEvents();
+    EXPECT_EQ(window.Model().CurrentPage(), step.page);
+    EXPECT_EQ(window.Tabs().currentIndex(), step.page);
+  }
+  // Alt+F10 maximises, Alt+F5 brings the normal window back.
+  QKeyEvent maximise(QEvent::KeyPress, Qt::Key_F10, Qt::AltModifier);
+  QApplication::sendEvent(&window.Grid(), &maximise);
+  EXPECT_TRUE(window.windowState() & Qt::WindowMaximized);
+  QKeyEvent normal(QEvent::KeyPress, Qt::Key_F5, Qt::AltModifier);
+  QApplication::sendEvent(&window.Grid(), &normal);
+  EXPECT_FALSE(window.windowState() & Qt::WindowMaximized);
+  EXPECT_EQ(window.Model().CurrentPage(), 0);
+}
+
+TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {
+  frmMetrics& window = Open();
+  QStringList seen;
+  for (QAction* top : window.menuBar()->actions()) {
+    QStringList entries;
+    for (QAction* entry : top->menu()->actions()) entries << entry->text();
+    seen << top->text() + QLatin1Char(':') + entries.join(QLatin1Char('|'));
+  }
+  EXPECT_EQ(seen, QStringList({"&File:E&xit", "&Options:&Display charts|&Rotated view",
+                               "&Help:&Contents|&About Ombrelle"}));
+}
+
+TEST_F(MainWindow, DisplayChartsIsStoredAndChecked) {
+  frmMetrics& window = Open();
+  QAction* charts = window.MenuEntry(QStringLiteral("mOptionsCharts"));
+  ASSERT_NE(charts, nullptr);
+  const bool before = charts->isChecked();
+  EXPECT_EQ(before, Startup().DisplayCharts);
+  charts->trigger();
+  EXPECT_EQ(charts->isChecked(), !before);
+  EXPECT_EQ(GetSetting(QStringLiteral("Options"), QStringLiteral("DisplayCharts"), QString()),
+            before ? QStringLiteral("0") : QStringLiteral("-1"));
+}
+
+TEST_F(MainWindow, HelpContentsOpensThePageBesideTheProgram) {
+  Open();
+  ScopedScriptedUi scripted;
+  QAction* contents = m_window->MenuEntry(QStringLiteral("mHelpContents"));
+  ASSERT_NE(contents, nullptr);
+  // The page is missing: the help server's copy.
+  contents->trigger();
+  // The page is there: the local file.
+  QDir().mkpath(m_dir.filePath(QStringLiteral("www")));
+  QFile page(Startup().HelpFile);
+  ASSERT_TRUE(page.open(QIODevice::WriteOnly));
+  page.close();
+  contents->trigger();
+  ASSERT_EQ(scripted.ui.opened.size(), 2u);
+  EXPECT_EQ(scripted.ui.opened[0], QStringLiteral("https://ombrelle.example.org/pm-index.html"));
+  EXPECT_EQ(scripted.ui.opened[1], Startup().HelpFile);
+  EXPECT_TRUE(scripted.ui.messages.empty());
+}
+
+TEST_F(MainWindow, DescriptionDoubleClickShowsTheWholeText) {
+  frmMetrics& window = Open();
+  ScopedScriptedUi scripted;
+  QPlainTextEdit* descr = window.Stats().DescriptionBox();
+  const QString text = descr->toPlainText();
+  ASSERT_FALSE(text.isEmpty());
+  EXPECT_EQ(descr->focusPolicy(), Qt::NoFocus);
+  QMouseEvent click(QEvent::MouseButtonDblClick, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton,
+                    Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(descr->viewport(), &click);
+  EXPECT_ONLY_UI_MESSAGE(scripted.ui, text.toStdString(), MsgStyle::Information);
+}
+
+TEST_F(MainWindow, CommandLineDatabaseOpensProjectInTimeOnItsRow) {
+  const QString file = SamplePath(m_sampleFiles.at(2));
+  frmMetrics& window = Open(file);
+  EXPECT_EQ(window.Model().CurrentPage(), 2);
+  EXPECT_EQ(window.Tabs().currentIndex(), 2);
+  const int database = window.Model().CurrentDatabase();
+  ASSERT_GT(database, 0);
+  EXPECT_EQ(QFileInfo(window.Model().Reader().GetDatabaseFilename(database)).fileName(),
+            m_sampleFiles.at(2));
+  EXPECT_TRUE(window.DatabaseDetails().text().contains(m_sampleFiles.at(2)))
+      << window.DatabaseDetails().text().toStdString();
+  Screenshot(QStringLiteral("command-line-database"));
+}
+
+TEST_F(MainWindow, MissingCommandLineDatabaseStaysOnTheFirstPage) {
+  frmMetrics& window = Open(m_dir.filePath(QStringLiteral("none.qvz")));
+  EXPECT_EQ(window.Model().CurrentPage(), 0);
+  EXPECT_GT(window.Grid().Logic().Rows(), 0);
+}
+
+TEST_F(MainWindow, PlacementIsSavedOnCloseAndRestored) {
+  frmMetrics& first = Open();
+  first.setGeometry(40, 30, 900, 640);
+  ProcessEvents();
+  const QRect saved = first.geometry();
+  first.close();
+  EXPECT_FALSE(GetSetting(QStringLiteral("WindowPlacement"), QStringLiteral("frmMetrics.Left"),
+                          QString())
+                   .isEmpty());
+  frmMetrics& second = Open();
+  EXPECT_EQ(second.geometry().size(), saved.size());
+}
+
+TEST(AboutBox, ClosesItselfAtStartAndOnAClick) {
+  QPointer<AboutBox> box = AboutBox::ShowAtStart(QStringLiteral("Title 1.0"), nullptr, 30);
+  ASSERT_FALSE(box.isNull());
+  EXPECT_TRUE(box->isVisible());
+  QLabel* title = box->findChild<QLabel*>(QStringLiteral("lblTitle"));
+  ASSERT_NE(title, nullptr);
+  EXPECT_EQ(title->text(), QStringLiteral("Title 1.0"));
+  QElapsedTimer clock;
+  clock.start();
+  while (!box.isNull() && clock.elapsed() < 3000) {
+    QApplication::processEvents();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+  EXPECT_TRUE(box.isNull()) << "still open after 3 s";
+
+  AboutBox clicked(QStringLiteral("Title"), nullptr);
+  clicked.show();
+  EXPECT_EQ(clicked.CloseTimer(), nullptr);
+  QMouseEvent press(QEvent::MouseButtonPress, QPointF(3, 3), QPointF(3, 3), Qt::LeftButton,
+                    Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&clicked, &press);
+  EXPECT_FALSE(clicked.isVisible());
+  EXPECT_EQ(clicked.result(), QDialog::Accepted);
+}
+
+}  // namespace
+}  // namespace ombrelle
