@@ -15,7 +15,9 @@ targets=("$@")
 dir=build-fuzz
 
 if [ ! -f "$dir/build.ninja" ]; then
-  CC=clang CXX=clang++ cmake -S . -B "$dir" -G Ninja -DOMBRELLE_FUZZ=ON \
+  cc=$(command -v clang || command -v clang-14)
+  cxx=$(command -v clang++ || command -v clang++-14)
+  CC=$cc CXX=$cxx cmake -S . -B "$dir" -G Ninja -DOMBRELLE_FUZZ=ON \
       -DOMBRELLE_BUILD_TESTS=OFF -DOMBRELLE_BUILD_BENCH=OFF -DOMBRELLE_BUILD_TOOLS=OFF \
       -DCMAKE_BUILD_TYPE=RelWithDebInfo
 fi
