@@ -17,9 +17,17 @@ using namespace ombrelle;
 
 namespace {
 
-// Settings and exports go to a private folder that lives as long as the run.
+// Settings and exports go to a private folder that lives as long as the run,
+// in memory where the system offers it: the settings store replaces its file
+// at every write, which on a disk costs a flush each time.
+QString FolderTemplate() {
+  const QString shm = QStringLiteral("/dev/shm");
+  return QDir(shm).exists() ? shm + QStringLiteral("/ombrelle-fuzz-XXXXXX")
+                            : QDir::temp().filePath(QStringLiteral("ombrelle-fuzz-XXXXXX"));
+}
+
 struct Folder {
-  QTemporaryDir dir;
+  QTemporaryDir dir{FolderTemplate()};
   QString settings;
   QString exported;
   QString reexported;
