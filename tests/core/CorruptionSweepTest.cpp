@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <QFile>
@@ -18,13 +19,14 @@
 
 #include "common/QvzFixture.h"
 #include "common/QvzRobustness.h"
+#include "core/MetricSave.h"
 #include "core/QVZRead.h"
+#include "stats/CStats.h"
 #include "support/ScriptedUiServices.h"
 
 namespace ombrelle {
 namespace {
 
-using test::FixtureLayout;
 using test::QvzFixture;
 
 // Every outcome of a failed open: the errorText patterns, and the patterns of
@@ -147,39 +149,49 @@ struct Field {
   bool structural = true;
 };
 
-// The fields of the fixed records of a built file: the header, the class
-// table, the block heads (version 3) and every series header.
-std::vector<Field> FixedRecords(const QvzFixture& f, const FixtureLayout& at,
-                                const QByteArray& bytes) {
+// The fields of the fixed records of a valid file, found by opening it: the
+// header, the class table, the block heads (version 3) and every series
+// header.
+std::vector<Field> FixedRecords(const QString& path) {
+  QVZRead reader;
+  QString errorText;
+  EXPECT_TRUE(reader.Opendatabase(path, errorText)) << errorText.toStdString();
+  const QByteArray bytes = QvzFixture::ReadBytes(path);
+  const qint64 classTable = kHeaderSize;
   std::vector<Field> fields = {
-      {0, 16, true},                                // magic, version, flags
-      {16, 230, false},                             // title
-      {230, 262, true},                             // checksum
-      {262, 486, false},                            // reserved, project file name
-      {486, kHeaderSize, true},                     // saved by, dates, stamp, class count
-      {at.classTable, at.metricIds, true},          // class records
+      {0, 16, true},            // magic, version, flags
+      {16, 230, false},         // title
+      {230, 262, true},         // checksum
+      {262, 486, false},        // reserved, project file name
+      {486, kHeaderSize, true},  // saved by, dates, stamp, class count
+      {classTable, classTable + kClassRecordSize * reader.ClassOrderCount(), true},
   };
-  if (f.version >= 3.0f) {
-    qint64 head = at.rowNames;
-    while (head < at.series) {
+  if (reader.IsVersion3()) {
+    qint64 head = reader.RowNamesStart() - 1;
+    while (head < reader.SeriesStart() - 1) {
       fields.push_back({head, head + kRowBlockHeadSize, true});
       head += kRowBlockHeadSize + GetInt32(bytes.constData() + head);
     }
   }
-  for (qint64 s : at.seriesHeaders) {
-    fields.push_back({s, s + 4, true});                       // Count
-    fields.push_back({s + 4, s + 60, false});                 // mean to Q95
-    fields.push_back({s + 60, s + 62, true});                 // ValueSize, ValueKind
-    fields.push_back({s + 62, s + kSeriesHeaderSize, false});  // reserved
+  for (int k = 1; k <= reader.ClassOrderCount(); ++k) {
+    for (qint64 position : reader.Slot(reader.ClassOrderAt(k)).SeriesPositions) {
+      const qint64 s = position - 1;
+      fields.push_back({s, s + 4, true});                       // Count
+      fields.push_back({s + 4, s + 60, false});                 // mean to Q95
+      fields.push_back({s + 60, s + 62, true});                 // ValueSize, ValueKind
+      fields.push_back({s + 62, s + kSeriesHeaderSize, false});  // reserved
+    }
   }
   return fields;
 }
 
-void Sweep(const QvzFixture& sample, int minOpened) {
+void Sweep(const QByteArray& valid, int minOpened) {
   QTemporaryDir dir;
   ASSERT_TRUE(dir.isValid());
-  FixtureLayout at;
-  const QByteArray valid = sample.Build(&at);
+  const QString original = dir.filePath(QStringLiteral("valid.qvz"));
+  QvzFixture::WriteBytes(original, valid);
+  const std::vector<Field> fields = FixedRecords(original);
+  ASSERT_GT(fields.size(), 6u);
   CorruptionSweep sweep(dir.filePath(QStringLiteral("damaged.qvz")));
   const long rssBefore = PeakRssKb();
   const auto start = std::chrono::steady_clock::now();
@@ -197,7 +209,7 @@ void Sweep(const QvzFixture& sample, int minOpened) {
   // structure all bits, the sign bit and the lowest bit; elsewhere all bits.
   int flips = 0;
   std::vector<bool> inRecord(valid.size(), false);
-  for (const Field& field : FixedRecords(sample, at, valid)) {
+  for (const Field& field : fields) {
     for (qint64 i = field.from; i < field.to; ++i) {
       inRecord[i] = true;
       for (const uint8_t mask : {0xFF, 0x80, 0x01}) {
@@ -229,9 +241,48 @@ void Sweep(const QvzFixture& sample, int minOpened) {
   EXPECT_LT(PeakRssKb() - rssBefore, 256 * 1024L);
 }
 
-TEST(CorruptionSweepTest, Version3EveryTruncationAndFlip) { Sweep(test::RobustnessSampleVersion3(), 200); }
+TEST(CorruptionSweepTest, Version3EveryTruncationAndFlip) {
+  Sweep(test::RobustnessSampleVersion3().Build(), 200);
+}
 
-TEST(CorruptionSweepTest, Version2EveryTruncationAndFlip) { Sweep(test::RobustnessSampleVersion2(), 200); }
+TEST(CorruptionSweepTest, Version2EveryTruncationAndFlip) {
+  Sweep(test::RobustnessSampleVersion2().Build(), 200);
+}
+
+// A file as the program's own writer makes it.
+TEST(CorruptionSweepTest, WrittenFileEveryTruncationAndFlip) {
+  ScopedScriptedUi scripted;
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("written.qvz"));
+  MetricSave save;
+  ASSERT_TRUE(save.SaveDatabase(path, QStringLiteral("Written"), QStringLiteral("/src/app.vbp"),
+                                45000.25));
+  const std::vector<std::tuple<int, QStringList, std::vector<std::pair<MetricId, std::vector<double>>>>>
+      plan = {
+          {0, {QStringLiteral("app")}, {{1002, {1200}}, {1100, {90}}}},
+          {1,
+           {QStringLiteral("b.c"), QStringLiteral("a.c"), QStringLiteral("c.h")},
+           {{2012, {10, 600, 0}}, {2013, {2, 2, 2}}, {2014, {8, 0.5, -1}}, {2100, {5, 7, 70000}}}},
+          {3, {QStringLiteral("main"), QStringLiteral("r\u00e4kna")}, {{4080, {1, -3}}}},
+      };
+  for (const auto& [classNr, names, series] : plan) {
+    save.AddClass(classNr, static_cast<int32_t>(names.size()), names);
+    for (const auto& [id, values] : series) save.AddMetricToClass(id);
+    save.ClassDone();
+  }
+  ASSERT_TRUE(save.SaveClasses());
+  for (const auto& [classNr, names, series] : plan) {
+    for (const auto& [id, values] : series) {
+      CStats stats;
+      stats.Init(static_cast<int32_t>(values.size()));
+      for (double v : values) stats.AddValue(v);
+      ASSERT_TRUE(save.SaveSeries(stats));
+    }
+  }
+  ASSERT_TRUE(save.Close());
+  EXPECT_TRUE(scripted.ui.messages.empty());
+  Sweep(QvzFixture::ReadBytes(path), 200);
+}
 
 }  // namespace
 }  // namespace ombrelle
