@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
 # Builds and runs every benchmark program (build/bench_*) and prints one table
 # of the figures, each beside its reference measured in the same run.
-#   scripts/bench.sh [min-time-seconds]   (default 0.05 per benchmark)
+#   scripts/bench.sh [min-time-seconds]   (default 0.2 per benchmark)
 # Pairing: a benchmark named BM_<Group>_<What>Reference is the reference of
 # every other benchmark of BM_<Group>; runs pair by equal arguments, else with
 # the reference's first run. The ratio is ours / reference in CPU time, so
 # below 1 is faster than the reference. JSON results stay in build/bench-results/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-min_time=${1:-0.05}
+min_time=${1:-0.2}
 scripts/install-deps.sh build
 if [ ! -f build/build.ninja ]; then cmake -S . -B build -G Ninja; fi
 mapfile -t benches < <(cd bench && ls *.cpp | sed 's/\.cpp$//')
