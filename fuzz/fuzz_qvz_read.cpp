@@ -11,6 +11,31 @@
 
 using namespace ombrelle;
 
+namespace {
+
+// How every refusal begins; the negative SeriesCount leaves the text empty
+// and says it in a box.
+bool DescribedRefusal(const QString& text) {
+  static const QStringList starts = {
+      QStringLiteral("Database header verification failed."),
+      QStringLiteral("Metrics database file corrupted. Negative Length at byte "),
+      QStringLiteral("Metrics database file too short. Possibly corrupted. Reading byte: "),
+      QStringLiteral("Invalid file size."),
+      QStringLiteral("Metrics database file includes an unsupported metrics class: "),
+      QStringLiteral("Metrics database file corrupted: TQVZMetricClass("),
+      QStringLiteral("SeriesHeader.Count<0 at byte "),
+      QStringLiteral("SeriesHeader.Count too large at byte "),
+      QStringLiteral("Metrics database file too long. Expected: "),
+      QStringLiteral("Metrics database file too short. Expected: "),
+  };
+  if (text.isEmpty()) return true;
+  for (const QString& start : starts)
+    if (text.startsWith(start)) return true;
+  return false;
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static fuzz::MemoryFile file("fuzz-qvz");
   static fuzz::FuzzUi ui;
@@ -29,6 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   QString errorText;
   if (!reader.Opendatabase(file.Path(), errorText)) {
     if (reader.IsFileOpen()) abort();  // a failed open leaves no handle behind
+    if (!DescribedRefusal(errorText)) abort();
     return 0;
   }
   const test::ReadAllTally tally = test::ReadWholeDatabase(reader, true);
