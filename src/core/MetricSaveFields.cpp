@@ -6,7 +6,6 @@
 
 #include "support/Codepage.h"
 #include "support/DateValue.h"
-#include "support/MD5.h"
 
 namespace ombrelle {
 
@@ -75,17 +74,6 @@ QByteArray DateToStamp14(double date) {
 void SetAnalysisDate(DatabaseHeader& header, double date) {
   SetBlankPadded(header.AnalysisDate, DateToIsoText(date));
   SetBlankPadded(header.AnalysisStamp, DateToStamp14(date));
-}
-
-QByteArray HeaderChecksum(const DatabaseHeader& header, qint64 fileLength) {
-  QByteArray guarded;
-  guarded.append(header.AnalysisStamp.data(), header.AnalysisStamp.size());
-  guarded.append(header.SavedBy.data(), header.SavedBy.size());
-  guarded.append(header.SavedDate.data(), header.SavedDate.size());
-  guarded.append(kChecksumSalt);
-  guarded.append(QByteArray::number(fileLength, 16).toUpper());
-  // The fields are ANSI characters already: their bytes are what is hashed.
-  return MD5::DigestBytesToHexStr(guarded).toLatin1();
 }
 
 void StampChecksum(DatabaseHeader& header, qint64 fileLength) {

@@ -34,10 +34,6 @@ void SetBlankPadded(std::array<char, N>& field, const QByteArray& text) {
   for (size_t i = 0; i < N && i < static_cast<size_t>(text.size()); ++i) field[i] = text[i];
 }
 
-// The 32 upper-case hexadecimal digits that guard `header` in a file of
-// `fileLength` bytes: the MD5 digest of the stamp, SavedBy and SavedDate
-// fields (padding included), the salt and the length in hexadecimal.
-QByteArray HeaderChecksum(const DatabaseHeader& header, qint64 fileLength);
 // Puts that checksum into the header's field.
 void StampChecksum(DatabaseHeader& header, qint64 fileLength);
 

@@ -1,5 +1,7 @@
 #include "core/QVZFormat.h"
 
+#include "support/MD5.h"
+
 #include <bit>
 #include <cstring>
 
@@ -146,6 +148,17 @@ QByteArray SeriesHeader::Encode() const {
   out.append(static_cast<char>(ValueKind));
   out.append(14, '\0');
   return out;
+}
+
+QByteArray HeaderChecksum(const DatabaseHeader& header, qint64 fileLength) {
+  QByteArray guarded;
+  guarded.append(header.AnalysisStamp.data(), header.AnalysisStamp.size());
+  guarded.append(header.SavedBy.data(), header.SavedBy.size());
+  guarded.append(header.SavedDate.data(), header.SavedDate.size());
+  guarded.append(kChecksumSalt);
+  guarded.append(QByteArray::number(fileLength, 16).toUpper());
+  // The fields are ANSI characters already: their bytes are what is hashed.
+  return MD5::DigestBytesToHexStr(guarded).toLatin1();
 }
 
 }  // namespace ombrelle

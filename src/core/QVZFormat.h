@@ -123,4 +123,9 @@ void PutInt32(QByteArray& out, int32_t value);
 void PutFloat(QByteArray& out, float value);
 void PutDouble(QByteArray& out, double value);
 
+// The 32 upper-case hexadecimal digits that guard `header` in a file of
+// `fileLength` bytes: the MD5 digest of the stamp, SavedBy and SavedDate
+// fields (padding included), the salt and the length in hexadecimal.
+QByteArray HeaderChecksum(const DatabaseHeader& header, qint64 fileLength);
+
 }  // namespace ombrelle

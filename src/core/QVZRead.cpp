@@ -216,14 +216,8 @@ bool QVZRead::ReadHeader(const QString& file, DatabaseHeader& header, bool showE
 }
 
 bool QVZRead::VerifyChecksum(const DatabaseHeader& header) const {
-  QByteArray guarded;
-  guarded.append(header.AnalysisStamp.data(), header.AnalysisStamp.size());
-  guarded.append(header.SavedBy.data(), header.SavedBy.size());
-  guarded.append(header.SavedDate.data(), header.SavedDate.size());
-  guarded.append(kChecksumSalt);
-  guarded.append(QByteArray::number(m_fileLength, 16).toUpper());
-  const QString digest = MD5::DigestStrToHexStr(MultiByteToText(guarded, kCodepageAnsi));
-  return MD5::Compare(digest, AnsiField(header.Checksum));
+  return MD5::Compare(QString::fromLatin1(HeaderChecksum(header, m_fileLength)),
+                      AnsiField(header.Checksum));
 }
 
 // ---------------------------------------------------------------------------

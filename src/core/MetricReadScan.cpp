@@ -1,0 +1,198 @@
+// The list of databases: scanning the search paths, ordering the saves,
+// marking the latest save of each project, and finding a named file.
+
+#include <cstring>
+#include <unordered_map>
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+
+#include "core/MetricRead.h"
+#include "core/MetricSave.h"
+#include "support/Codepage.h"
+#include "support/DateValue.h"
+#include "support/Filename.h"
+#include "support/SettingsStore.h"
+
+namespace ombrelle {
+
+namespace {
+
+template <size_t N>
+QString HeaderText(const std::array<char, N>& field) {
+  return MultiByteToText(field.data(), static_cast<qsizetype>(N), kCodepageAnsi);
+}
+
+// -1, 0 or 1 as `a` sorts before, with or after `b`.
+template <class T>
+int Compare3(const T& a, const T& b) {
+  return a < b ? -1 : (b < a ? 1 : 0);
+}
+
+int CompareBytes(const char* a, const char* b, size_t n) {
+  const int result = std::memcmp(a, b, n);
+  return result < 0 ? -1 : (result > 0 ? 1 : 0);
+}
+
+}  // namespace
+
+QString DatabaseEntry::AnalysisStampText() const { return HeaderText(Header.AnalysisStamp); }
+QString DatabaseEntry::SavedDateText() const { return HeaderText(Header.SavedDate); }
+QString DatabaseEntry::AnalysisDateText() const { return HeaderText(Header.AnalysisDate); }
+
+MetricRead::MetricRead() {
+  ScanSearchPaths();
+  SortDatabases();
+  m_dataState = 2;
+}
+
+MetricRead::~MetricRead() {
+  ApplyView(DataModes::NoView, 0);
+  CloseCurrent();
+}
+
+bool MetricRead::IsSearchPathKey(const QString& key) {
+  return key.toLower().startsWith(QStringLiteral("path"));
+}
+
+void MetricRead::ScanSearchPaths() {
+  for (const auto& [key, value] : GetAllSettings(MetricRead::kDatabasesSection)) {
+    if (IsSearchPathKey(key)) ScanFolder(value, QString());
+  }
+  MarkLatestSaves();
+}
+
+int MetricRead::ScanFolder(const QString& folder, const QString& namedFile) {
+  if (folder.isEmpty()) return 0;
+  const QString base = ResolvePath(QString(), folder);
+  // A folder that is gone or cannot be read lists nothing: it is passed over.
+  QDir dir(base);
+  const QStringList names = dir.entryList({QStringLiteral("*.qvz")}, QDir::Files, QDir::Name);
+  const QString named = namedFile.toLower();
+  int added = 0;
+  for (const QString& name : names) {
+    const QString path = JoinPath(base, name);
+    if (FindDatabase(path) != 0) continue;
+    QVZRead reader;
+    DatabaseHeader header;
+    // The checksum is enforced here: a damaged file is left out of the list,
+    // and only the file the user named says why.
+    if (!reader.ReadHeader(path, header, path.toLower() == named, true)) continue;
+    reader.CloseDatabaseFile();
+    AddDatabaseEntry(path, header, reader);
+    ++added;
+  }
+  return added;
+}
+
+void MetricRead::AddDatabaseEntry(const QString& path, const DatabaseHeader& header,
+                                  const QVZRead& reader) {
+  DatabaseEntry entry;
+  entry.Header = header;
+  entry.Path = path;
+  entry.AnalysisDate = ParseTimestamp14(HeaderText(header.AnalysisStamp));
+  const QDateTime modified = QFileInfo(path).lastModified();
+  entry.FileDate = modified.isValid() ? DateFromQDateTime(modified) : 0;
+  entry.Project = reader.ProjectFilename();
+  entry.Title = reader.Title();
+  m_knownPaths.insert(path.toLower());
+  m_databases.push_back(std::move(entry));
+}
+
+int MetricRead::FindDatabase(const QString& file) const {
+  if (!m_knownPaths.contains(file.toLower())) return 0;
+  for (int i = 0; i < DatabaseCount(); ++i) {
+    if (m_databases[i].Path.compare(file, Qt::CaseInsensitive) == 0) return i + 1;
+  }
+  return 0;
+}
+
+void MetricRead::SortDatabases() {
+  // Keys computed once: the project in lower case, then the header texts.
+  const int n = DatabaseCount();
+  std::vector<QString> projects(n);
+  for (int i = 0; i < n; ++i) projects[i] = m_databases[i].Project.toLower();
+  auto less = [&](int a, int b) {
+    const DatabaseEntry& x = m_databases[a];
+    const DatabaseEntry& y = m_databases[b];
+    int c = Compare3(projects[a], projects[b]);
+    if (c == 0) c = CompareBytes(x.Header.AnalysisStamp.data(), y.Header.AnalysisStamp.data(), 14);
+    if (c == 0) c = CompareBytes(x.Header.SavedDate.data(), y.Header.SavedDate.data(), 10);
+    if (c == 0) c = Compare3(x.FileDate, y.FileDate);
+    return c < 0;
+  };
+  // A selection sort: equal entries keep their order, as a later one replaces
+  // the pick only when strictly smaller.
+  for (int i = 0; i < n - 1; ++i) {
+    int pick = i;
+    for (int j = i + 1; j < n; ++j) {
+      if (less(j, pick)) pick = j;
+    }
+    if (pick != i) {
+      std::swap(m_databases[i], m_databases[pick]);
+      std::swap(projects[i], projects[pick]);
+    }
+  }
+}
+
+void MetricRead::MarkLatestSaves() {
+  // The newest save of a project: the greatest stamp, then saved date, then
+  // file date, then the later position in the list.
+  std::unordered_map<std::u16string, int> best;
+  for (int i = 0; i < DatabaseCount(); ++i) {
+    DatabaseEntry& entry = m_databases[i];
+    entry.Latest = false;
+    const QString key = entry.Project.toLower();
+    auto [it, inserted] = best.try_emplace(key.toStdU16String(), i);
+    if (inserted) continue;
+    const DatabaseEntry& held = m_databases[it->second];
+    int c = CompareBytes(entry.Header.AnalysisStamp.data(), held.Header.AnalysisStamp.data(), 14);
+    if (c == 0) c = CompareBytes(entry.Header.SavedDate.data(), held.Header.SavedDate.data(), 10);
+    if (c == 0) c = Compare3(entry.FileDate, held.FileDate);
+    if (c >= 0) it->second = i;  // at a tie the later position wins
+  }
+  for (const auto& [key, index] : best) m_databases[index].Latest = true;
+}
+
+int MetricRead::FindFirstDatabases() {
+  const QString program =
+      QCoreApplication::instance() ? QCoreApplication::applicationDirPath() : QString();
+  return FindFirstDatabases(QDir::currentPath(), program);
+}
+
+int MetricRead::FindFirstDatabases(const QString& currentFolder, const QString& programFolder) {
+  int found = 0;
+  auto scan = [&](const QString& folder) {
+    const int added = ScanFolder(folder, QString());
+    if (added > 0) MetricSave::StoreInRegistry(folder);
+    found += added;
+    return added;
+  };
+  scan(currentFolder);
+  if (found == 0 && !programFolder.isEmpty()) scan(programFolder);
+  if (!programFolder.isEmpty()) scan(JoinPath(programFolder, QStringLiteral("sample")));
+  if (found > 0) {
+    SortDatabases();
+    MarkLatestSaves();
+  }
+  return found;
+}
+
+int MetricRead::LocateAndOpenDatabase(const QString& file, bool remember) {
+  if (file.isEmpty()) return 0;
+  const QString path = ResolvePath(QString(), file);
+  int database = FindDatabase(path);
+  if (database != 0) return database;
+  const QString folder = FileFolder(path);
+  if (!FolderExists(folder)) return 0;
+  ScanFolder(folder, path);
+  SortDatabases();
+  MarkLatestSaves();
+  database = FindDatabase(path);
+  if (remember) MetricSave::StoreInRegistry(folder);
+  return database;
+}
+
+}  // namespace ombrelle
