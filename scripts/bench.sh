@@ -62,6 +62,8 @@ for path in sorted(glob.glob(os.path.join(sys.argv[1], "*.json"))):
             extra.append(fmt_rate(r["items_per_second"], "items/s"))
         if "series/s" in r:
             extra.append(fmt_rate(r["series/s"], "series/s"))
+        if "bytes_read_per_file" in r:
+            extra.append(f"{r['bytes_read_per_file']:.0f} B read per file")
         if r.get("label"):
             extra.append(r["label"])
         reference, ratio = "", ""
