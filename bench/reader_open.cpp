@@ -96,7 +96,8 @@ void BM_OpenDatabase_HeaderReadsReference(benchmark::State& state) {
   }
   long namesSize = rows > 0 ? rows - 1 : 0;  // the NUL separators
   for (int r = 1; r <= rows; ++r) namesSize += 1 + QByteArray::number(r).size();
-  const long firstSeries = kHeaderSize + kMetricClassCount * (kClassRecordSize + 4L * seriesPerClass) +
+  const long firstSeries = kHeaderSize +
+                           kMetricClassCount * (kClassRecordSize + 4L * seriesPerClass) +
                            kMetricClassCount * (kRowBlockHeadSize + namesSize);
   const long seriesSize = kSeriesHeaderSize + 8L * rows;
   const QByteArray name = QFile::encodeName(path);

@@ -15,7 +15,8 @@ MemoryFile::MemoryFile(const char* name) {
     m_path = QStringLiteral("/proc/self/fd/%1").arg(m_fd);
     return;
   }
-  m_path = QDir::temp().filePath(QStringLiteral("%1-%2").arg(QString::fromLatin1(name)).arg(getpid()));
+  m_path =
+      QDir::temp().filePath(QStringLiteral("%1-%2").arg(QString::fromLatin1(name)).arg(getpid()));
   m_fd = open(m_path.toLocal8Bit().constData(), O_RDWR | O_CREAT | O_TRUNC, 0600);
 }
 

@@ -31,6 +31,7 @@ int main(int argc, char** argv) {
       {"sample-v2.qvz", RobustnessSampleVersion2()},
       {"sample-v1.qvz", version1},
   };
-  for (const auto& [name, fixture] : seeds) fixture.Write(folder.filePath(QString::fromLatin1(name)));
+  for (const auto& [name, fixture] : seeds)
+    fixture.Write(folder.filePath(QString::fromLatin1(name)));
   return 0;
 }

@@ -31,10 +31,10 @@ void ShowError(const QString& text) {
 // import's own check reads them, but the settings store tells case apart: the
 // names the loader reads are stored in its spelling.
 QString LoaderSpelling(const QString& name) {
-  static const QStringList known = {
-      QStringLiteral("Name"),     QStringLiteral("Version"),   QStringLiteral("Rules"),
-      QStringLiteral("Metric"),   QStringLiteral("LimitType"), QStringLiteral("LimitMin"),
-      QStringLiteral("LimitMax"), QStringLiteral("Limit")};
+  static const QStringList known = {QStringLiteral("Name"),      QStringLiteral("Version"),
+                                    QStringLiteral("Rules"),     QStringLiteral("Metric"),
+                                    QStringLiteral("LimitType"), QStringLiteral("LimitMin"),
+                                    QStringLiteral("LimitMax"),  QStringLiteral("Limit")};
   for (const QString& k : known)
     if (k.compare(name, Qt::CaseInsensitive) == 0) return k;
   // "rule7" is the section "Rule7".

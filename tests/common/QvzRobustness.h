@@ -13,10 +13,10 @@ namespace ombrelle::test {
 // What a full read of an open database delivered, to check a read against
 // the file it came from.
 struct ReadAllTally {
-  int rowNames = 0;        // names over every class
-  int seriesRead = 0;      // metrics whose column was delivered
-  int64_t valuesRead = 0;  // values over every delivered column
-  int singleValues = 0;    // metrics that gave a single value
+  int rowNames = 0;           // names over every class
+  int seriesRead = 0;         // metrics whose column was delivered
+  int64_t valuesRead = 0;     // values over every delivered column
+  int singleValues = 0;       // metrics that gave a single value
   int64_t longestColumn = 0;  // values in the longest delivered column
   int64_t mostRows = 0;       // names in the class with the most rows
 };
