@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QStringList>
 
+#include "core/QVZ2XML.h"
 #include "shell/Startup.h"
 #include "shell/ui/MainWindowRoad.h"
 #include "support/ui/EchoingUiServices.h"
@@ -58,6 +59,7 @@ int main(int argc, char** argv) {
     hooks.batchUi = &dialogsAndStderr;
   }
   hooks.runMainWindow = ombrelle::RunMainWindow;
+  hooks.exportXml = ombrelle::SaveQVZ2XML;
 
   ombrelle::Main(arguments, hooks);
   return 0;

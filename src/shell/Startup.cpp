@@ -1,6 +1,5 @@
 #include "shell/Startup.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 
@@ -57,12 +56,6 @@ bool XmlExportUnavailable(const QString&, QString&, bool) {
 void HeaderEditUnavailable(const QString&) {
   Ui().MsgBox(QStringLiteral("Cannot edit: header editing is not available in this build."),
               MsgStyle::Exclamation, UiServices::AppTitle());
-}
-
-bool RemoveInputFile(const QString& file) {
-  // A plain delete until the support library's file-delete routine (which
-  // moves the file to the trash) is available.
-  return QFile::remove(file);
 }
 
 QString ProgramVersion() { return QStringLiteral(OMBRELLE_VERSION); }

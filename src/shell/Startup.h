@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "support/Filename.h"
+
 namespace ombrelle {
 
 class TabMsgBox;
@@ -22,9 +24,6 @@ using HeaderEditFunction = std::function<void(const QString& file)>;
 bool XmlExportUnavailable(const QString& input, QString& output, bool interactive);
 // The header dialog used until it is part of the build: says so.
 void HeaderEditUnavailable(const QString& file);
-
-// Deletes the input of an export. True when the file is gone.
-bool RemoveInputFile(const QString& file);
 
 // The program's version, as "--version" prints it after the program name.
 QString ProgramVersion();
@@ -48,7 +47,7 @@ struct StartupHooks {
   HeaderEditFunction editHeader = HeaderEditUnavailable;
   XmlExportFunction exportXml = XmlExportUnavailable;
   // Deletes the input after an export; failures are not reported.
-  std::function<bool(const QString&)> deleteFile = RemoveInputFile;
+  std::function<bool(const QString&)> deleteFile = DeleteFile;
 };
 
 // The three roads of the program.

@@ -1,0 +1,136 @@
+// The sample set as the viewer sees it: found on a search path, grouped by
+// project, and telling the stories the generator promises through the access
+// layer and the default limits rather than through the generator's own model.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+
+#include <QTemporaryDir>
+
+#include "SampleWriter.h"
+#include "common/OutsideReaders.h"
+#include "core/QVZ2XML.h"
+#include "core/MetricRead.h"
+#include "limits/MetricLimits.h"
+#include "support/SettingsStore.h"
+
+using namespace ombrelle;
+using ombrelle::samples::WriteAllSamples;
+
+namespace {
+
+class SampleViews : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    s_folder = std::make_unique<QTemporaryDir>();
+    WriteAllSamples(s_folder->path() + "/sample");
+  }
+  static void TearDownTestSuite() { s_folder.reset(); }
+
+  void SetUp() override {
+    SetSettingsFilePath(s_folder->path() + "/settings.ini");
+    SaveSetting("Databases", "path1", s_folder->path() + "/sample");
+  }
+  void TearDown() override { SetSettingsFilePath({}); }
+
+  // Databases of one project (compared without case), oldest first.
+  static std::vector<int> SavesOf(const MetricRead& reader, const QString& project) {
+    std::vector<std::pair<double, int>> saves;
+    for (int i = 1; i <= reader.DatabaseCount(); ++i)
+      if (reader.Database(i).Project.compare(project, Qt::CaseInsensitive) == 0)
+        saves.emplace_back(reader.Database(i).AnalysisDate, i);
+    std::sort(saves.begin(), saves.end());
+    std::vector<int> result;
+    for (const auto& s : saves) result.push_back(s.second);
+    return result;
+  }
+
+  static std::unique_ptr<QTemporaryDir> s_folder;
+};
+
+std::unique_ptr<QTemporaryDir> SampleViews::s_folder;
+
+constexpr MetricId kProcedureCC = 4120;
+constexpr MetricId kFileCodePercentage = 2015;
+
+}  // namespace
+
+TEST_F(SampleViews, ScanFindsEverySaveAndMarksOneLatestPerProject) {
+  MetricRead reader;
+  ASSERT_EQ(reader.DatabaseCount(), 21);
+  std::map<QString, int> latest;
+  std::set<QString> projects;
+  for (int i = 1; i <= reader.DatabaseCount(); ++i) {
+    const QString project = reader.Database(i).Project.toLower();
+    projects.insert(project);
+    if (reader.Database(i).Latest) ++latest[project];
+  }
+  EXPECT_EQ(projects.size(), 3u);
+  ASSERT_EQ(latest.size(), 3u);
+  for (const auto& [project, count] : latest) EXPECT_EQ(count, 1) << project.toStdString();
+  // The latest save is the newest analysis of its project.
+  for (const QString& project : projects) {
+    const std::vector<int> saves = SavesOf(reader, project);
+    ASSERT_FALSE(saves.empty());
+    EXPECT_TRUE(reader.Database(saves.back()).Latest) << project.toStdString();
+  }
+}
+
+TEST_F(SampleViews, MeanComplexityFallsAtTheRefactoringSave) {
+  MetricRead reader;
+  const std::vector<int> saves = SavesOf(reader, QStringLiteral("Entrepôt.vbp"));
+  ASSERT_GE(saves.size(), 4u);
+  std::vector<double> means;
+  for (int database : saves) {
+    reader.SetDataMode(DataModes::OneFile, 0, 0);
+    ASSERT_TRUE(reader.OpenDatabase2(database));
+    CStats cc = reader.GetValues(kProcedureCC);
+    ASSERT_GT(cc.count(), 0);
+    cc.CalcStats();
+    means.push_back(cc.Mean);
+  }
+  int falls = 0;
+  for (size_t i = 1; i < means.size(); ++i)
+    if (means[i] < means[i - 1] * 0.9) ++falls;
+  EXPECT_GE(falls, 1) << "no save lowers mean CC by a tenth";
+}
+
+TEST_F(SampleViews, DerivedPercentagesStayBetweenZeroAndOne) {
+  MetricRead reader;
+  for (int i = 1; i <= reader.DatabaseCount(); ++i) {
+    reader.SetDataMode(DataModes::OneFile, 0, 0);
+    ASSERT_TRUE(reader.OpenDatabase2(i));
+    CStats share = reader.GetValues(kFileCodePercentage);
+    ASSERT_GT(share.count(), 0) << reader.GetDatabaseFilename(i).toStdString();
+    share.CalcStats();
+    EXPECT_GE(share.Min, 0.0);
+    EXPECT_LE(share.Max, 1.0);
+    EXPECT_GT(share.Mean, 0.3);  // code dominates a file, comments and blanks do not
+  }
+}
+
+TEST_F(SampleViews, LatestLargeProjectHasProceduresOutsideTheDefaultLimits) {
+  MetricRead reader;
+  const std::vector<int> saves = SavesOf(reader, QStringLiteral("Harbour.vbproj"));
+  ASSERT_FALSE(saves.empty());
+  reader.SetDataMode(DataModes::OneFile, 0, 0);
+  ASSERT_TRUE(reader.OpenDatabase2(saves.back()));
+  CStats cc = reader.GetValues(kProcedureCC);
+  ASSERT_GT(cc.count(), 1000);
+  MetricLimits limits;
+  ASSERT_TRUE(limits.Load(LimitSet::Default));
+  const int outside = limits.CalcOutsideLimits(cc, kProcedureCC);
+  EXPECT_GT(outside, 0);
+  EXPECT_LT(outside, cc.count() / 5);  // a few outliers, not the bulk
+}
+
+TEST_F(SampleViews, ExportOfTheSmallestSampleIsValidXml) {
+  MetricRead reader;
+  const std::vector<int> saves = SavesOf(reader, QStringLiteral("Billing.vbp"));
+  ASSERT_FALSE(saves.empty());
+  const QString input = reader.GetDatabaseFilename(saves.back());
+  QString output = s_folder->path() + "/billing.xml";
+  ASSERT_TRUE(SaveQVZ2XML(input, output, false));
+  ombrelle::test::ExpectXmllintAccepts(output);
+}
