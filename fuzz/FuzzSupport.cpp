@@ -36,6 +36,12 @@ bool MemoryFile::Write(const uint8_t* data, size_t size) {
   return true;
 }
 
+QString PrivateFolderTemplate() {
+  const QString shm = QStringLiteral("/dev/shm");
+  return QDir(shm).exists() ? shm + QStringLiteral("/ombrelle-fuzz-XXXXXX")
+                            : QDir::temp().filePath(QStringLiteral("ombrelle-fuzz-XXXXXX"));
+}
+
 FuzzUi::FuzzUi() = default;
 
 void FuzzUi::NewInput(const QString& inputAnswer) {

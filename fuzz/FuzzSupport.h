@@ -29,6 +29,11 @@ class MemoryFile {
   QString m_path;
 };
 
+// A template for QTemporaryDir: a folder in memory (/dev/shm) where the system
+// offers it, else in the temporary folder. Files written at every input cost
+// a disk flush each time on a disk.
+QString PrivateFolderTemplate();
+
 // The user-interface service of a fuzz run: answers every box and input box
 // from a script and forgets what was asked at each new input, so memory stays
 // flat over millions of runs.

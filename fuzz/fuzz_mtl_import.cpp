@@ -17,17 +17,9 @@ using namespace ombrelle;
 
 namespace {
 
-// Settings and exports go to a private folder that lives as long as the run,
-// in memory where the system offers it: the settings store replaces its file
-// at every write, which on a disk costs a flush each time.
-QString FolderTemplate() {
-  const QString shm = QStringLiteral("/dev/shm");
-  return QDir(shm).exists() ? shm + QStringLiteral("/ombrelle-fuzz-XXXXXX")
-                            : QDir::temp().filePath(QStringLiteral("ombrelle-fuzz-XXXXXX"));
-}
-
+// Settings and exports go to a private folder that lives as long as the run.
 struct Folder {
-  QTemporaryDir dir{FolderTemplate()};
+  QTemporaryDir dir{fuzz::PrivateFolderTemplate()};
   QString settings;
   QString exported;
   QString reexported;
