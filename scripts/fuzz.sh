@@ -49,7 +49,10 @@ for t in "${targets[@]}"; do
   log="$dir/fuzz_$t.log"
   echo "== fuzz_$t for ${seconds}s"
   # A hang shows as a timeout, an allocation beyond the cap as a malloc limit.
-  if "$dir/fuzz_$t" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+  # The XML export of a damaged file of a few kilobytes may write a hundred
+  # megabytes (every catalogue metric for up to one row per byte), which takes
+  # seconds in the instrumented build: hence the long timeout.
+  if "$dir/fuzz_$t" -max_total_time="$seconds" -timeout=60 -rss_limit_mb=2048 \
       -malloc_limit_mb=128 -max_len="$max_len" -print_final_stats=1 \
       -artifact_prefix="$dir/artifacts/$t-" "$corpus" "${seeds[@]}" > "$log" 2>&1; then
     result=clean
