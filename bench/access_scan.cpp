@@ -128,7 +128,7 @@ void BM_ScanThenAllFilesView(benchmark::State& state) {
 }
 BENCHMARK(BM_ScanThenAllFilesView)->Unit(benchmark::kMillisecond);
 
-void BM_PlainHeaderLoop(benchmark::State& state) {
+void BM_ScanFolder_PlainHeaderLoopReference(benchmark::State& state) {
   Corpus& corpus = TheCorpus();
   char header[kHeaderSize];
   for (auto _ : state) {
@@ -141,7 +141,7 @@ void BM_PlainHeaderLoop(benchmark::State& state) {
     benchmark::DoNotOptimize(total);
   }
 }
-BENCHMARK(BM_PlainHeaderLoop)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ScanFolder_PlainHeaderLoopReference)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

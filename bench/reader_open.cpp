@@ -3,6 +3,7 @@
 // of series and hardly the number of rows.
 #include <benchmark/benchmark.h>
 
+#include <cstdio>
 #include <cstring>
 
 #include <QFile>
@@ -77,9 +78,62 @@ void BM_OpenDatabase(benchmark::State& state) {
                                                   benchmark::Counter::kIsIterationInvariantRate);
 }
 
+// The least any walk must do on the same file: open it, read the header and
+// the class table, then seek to every series header and read its 76 bytes,
+// with plain stdio and the positions known in advance.
+void BM_OpenDatabase_HeaderReadsReference(benchmark::State& state) {
+  const int seriesPerClass = static_cast<int>(state.range(0));
+  const int rows = static_cast<int>(state.range(1));
+  QTemporaryDir dir;
+  const QString path = dir.filePath("bench.qvz");
+  const QByteArray bytes = BuildDatabase(seriesPerClass, rows);
+  {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
+      state.SkipWithError("cannot write the database");
+      return;
+    }
+  }
+  long namesSize = rows > 0 ? rows - 1 : 0;  // the NUL separators
+  for (int r = 1; r <= rows; ++r) namesSize += 1 + QByteArray::number(r).size();
+  const long firstSeries = kHeaderSize +
+                           kMetricClassCount * (kClassRecordSize + 4L * seriesPerClass) +
+                           kMetricClassCount * (kRowBlockHeadSize + namesSize);
+  const long seriesSize = kSeriesHeaderSize + 8L * rows;
+  const QByteArray name = QFile::encodeName(path);
+  char buffer[kHeaderSize + kMetricClassCount * kClassRecordSize];
+  for (auto _ : state) {
+    std::FILE* file = std::fopen(name.constData(), "rb");
+    if (!file || std::fread(buffer, 1, sizeof buffer, file) != sizeof buffer) {
+      if (file) std::fclose(file);
+      state.SkipWithError("fread failed");
+      return;
+    }
+    for (long s = 0; s < kMetricClassCount * seriesPerClass; ++s) {
+      std::fseek(file, firstSeries + s * seriesSize, SEEK_SET);
+      if (std::fread(buffer, 1, kSeriesHeaderSize, file) != kSeriesHeaderSize) break;
+    }
+    std::fclose(file);
+    if (GetInt32(buffer) != rows) {  // the last header read is a series header
+      state.SkipWithError("series positions do not match the file");
+      return;
+    }
+  }
+  state.counters["series/s"] = benchmark::Counter(kMetricClassCount * seriesPerClass,
+                                                  benchmark::Counter::kIsIterationInvariantRate);
+}
+
 }  // namespace
 
 BENCHMARK(BM_OpenDatabase)
+    ->Args({200, 10})
+    ->Args({200, 1000})
+    ->Args({200, 10000})
+    ->Args({2000, 10})
+    ->Args({2000, 1000})
+    ->Args({20000, 10})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_OpenDatabase_HeaderReadsReference)
     ->Args({200, 10})
     ->Args({200, 1000})
     ->Args({200, 10000})

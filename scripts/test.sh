@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test: first the normal
 # build in build/, then the whole suite again under AddressSanitizer and
-# UndefinedBehaviorSanitizer in build-asan/.
-#   scripts/test.sh            both builds
+# UndefinedBehaviorSanitizer in build-asan/, then a short run of every fuzz
+# target in build-fuzz/ (FUZZ_SECONDS each, default 60).
+#   scripts/test.sh            both builds and the fuzz run
 #   scripts/test.sh --quick    the normal build only
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -23,4 +24,5 @@ if [ "$quick" -eq 0 ]; then
   UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
   LSAN_OPTIONS=suppressions="$PWD/tests/lsan.supp" \
       ctest --test-dir build-asan --output-on-failure -j "$jobs" --timeout 600
+  scripts/fuzz.sh "${FUZZ_SECONDS:-60}"
 fi

@@ -27,6 +27,37 @@ void ShowError(const QString& text) {
   Ui().MsgBox(text, MsgStyle::Exclamation, UiServices::AppTitle());
 }
 
+// The file's key and section names count without regard to case, as the
+// import's own check reads them, but the settings store tells case apart: the
+// names the loader reads are stored in its spelling.
+QString LoaderSpelling(const QString& name) {
+  static const QStringList known = {QStringLiteral("Name"),      QStringLiteral("Version"),
+                                    QStringLiteral("Rules"),     QStringLiteral("Metric"),
+                                    QStringLiteral("LimitType"), QStringLiteral("LimitMin"),
+                                    QStringLiteral("LimitMax"),  QStringLiteral("Limit")};
+  for (const QString& k : known)
+    if (k.compare(name, Qt::CaseInsensitive) == 0) return k;
+  // "rule7" is the section "Rule7".
+  if (name.size() > 4 && name.startsWith(QStringLiteral("Rule"), Qt::CaseInsensitive)) {
+    bool number = false;
+    name.mid(4).toInt(&number);
+    if (number) return QStringLiteral("Rule") + name.mid(4);
+  }
+  return name;
+}
+
+// Copies `keys` into settings section `target`. A key that occurs again
+// (in any case) is skipped: the first occurrence is the one the check read.
+void CopyKeys(const QString& target, const std::vector<std::pair<QString, QString>>& keys) {
+  QStringList copied;
+  for (const auto& [key, value] : keys) {
+    const QString name = LoaderSpelling(key);
+    if (copied.contains(name, Qt::CaseInsensitive)) continue;
+    copied.append(name);
+    SaveSetting(target, name, value);
+  }
+}
+
 }  // namespace
 
 bool MetricLimits::Export(const QString& fileName) {
@@ -99,15 +130,14 @@ std::int32_t MetricLimits::Import(const QString& fileName) {
   const std::int16_t nr = FindFreeLimitID();
   const QString target = SetSection(nr);
   const SettingsBatch batch;
-  for (const auto& [key, value] : *head) SaveSetting(target, key, value);
+  CopyKeys(target, *head);
   for (const auto& [section, keys] : sections) {
     if (&keys == head) continue;
     // A name that is empty or holds a separator would land outside the set's own sections.
     if (section.isEmpty() || section.contains(QLatin1Char('\\')) ||
         section.contains(QLatin1Char('/')))
       continue;
-    for (const auto& [key, value] : keys)
-      SaveSetting(target + QLatin1Char('\\') + section, key, value);
+    CopyKeys(target + QLatin1Char('\\') + LoaderSpelling(section), keys);
   }
   SaveSetting(target, QStringLiteral("Name"), name);
   return nr;
