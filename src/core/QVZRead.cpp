@@ -457,7 +457,12 @@ const ClassSlot& QVZRead::Slot(int metricClass) const {
   return m_classes[metricClass];
 }
 
-int32_t QVZRead::GetClassSize(int metricClass) const { return Slot(metricClass).ItemCount; }
+int32_t QVZRead::GetClassSize(int metricClass) const {
+  // A row count the file cannot back would size every column of the class:
+  // such a class counts as empty, as it shows no names either.
+  const ClassSlot& slot = Slot(metricClass);
+  return slot.ItemCount <= RowLimit(slot) ? slot.ItemCount : 0;
+}
 
 QString QVZRead::DecodeText(const char* bytes, qsizetype size) const {
   if (m_header.Flags & kFlagUtf8) {

@@ -60,9 +60,12 @@ qint64 QVZRead::RowLimit(const ClassSlot& slot) const {
   // Older files hold a 130-byte record for every row, and their length was
   // checked exactly at open.
   if (!IsVersion3()) return slot.ItemCount;
-  // n names joined by NUL take at least n - 1 bytes of text; rows whose names
-  // are missing must still be backed by values stored for each of them.
-  return std::max<qint64>(static_cast<qint64>(slot.RowBlockLength) + 1, slot.LongestStoredSeries);
+  // Rows whose names are empty and whose values are constant take no bytes of
+  // their own, so a small class may claim more rows than its blocks hold. No
+  // real class has more rows than the file has bytes, though: that bound
+  // keeps a damaged count from sizing columns far beyond the file.
+  return std::max({static_cast<qint64>(slot.RowBlockLength) + 1,
+                   static_cast<qint64>(slot.LongestStoredSeries), m_fileLength});
 }
 
 void QVZRead::LoadRowNames() {

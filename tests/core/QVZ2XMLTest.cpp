@@ -478,3 +478,16 @@ TEST_F(QVZ2XMLExport, WriteErrorLeavesNoHalfFile) {
 }
 
 }  // namespace
+
+// Kept from a fuzzing run: a 1.6 KB file claiming 2^31 - 1 rows with empty
+// names once made the export size a 4.4 GB column of zeros.
+TEST_F(QVZ2XMLExport, UnbackedRowCountExportsAsAnEmptyClass) {
+  QvzFixture f = QvzFixture::SmallestVersion3();
+  f.classes[0].itemCount = 0x7FFFFFFF;
+  const QString input = f.Write(Path("claims.qvz"));
+  QString output = Path("claims.xml");
+  ASSERT_TRUE(SaveQVZ2XML(input, output, false));
+  const QByteArray xml = QvzFixture::ReadBytes(output);
+  EXPECT_FALSE(xml.contains("<rows>"));
+  EXPECT_LT(xml.size(), 100000);
+}

@@ -223,14 +223,21 @@ TEST(QVZReadStructure, HostileCountsAreRefusedWithoutReservingMemory) {
 
 TEST(QVZReadStructure, Version3DoesNotBoundRowsByLength) {
   // Rows cost no bytes when their names are empty, so the walk accepts the
-  // count as it stands; nothing is sized by it while opening.
+  // count as it stands; nothing is sized by it while opening. A count the
+  // file cannot back makes the class empty.
   QvzFixture f = QvzFixture::SmallestVersion3();
   f.classes[0].itemCount = 0x7FFFFFFF;
   QTemporaryDir dir;
   QVZRead reader;
   ASSERT_TRUE(OpenFixture(reader, dir, f));
-  EXPECT_EQ(reader.GetClassSize(0), 0x7FFFFFFF);
+  EXPECT_EQ(reader.Slot(0).ItemCount, 0x7FFFFFFF);
+  EXPECT_EQ(reader.GetClassSize(0), 0);
   EXPECT_TRUE(reader.Slot(0).RowNames.isEmpty());
+
+  f.classes[0].itemCount = 1;
+  QVZRead single;
+  ASSERT_TRUE(OpenFixture(single, dir, f));
+  EXPECT_EQ(single.GetClassSize(0), 1);
 }
 
 TEST(QVZReadStructure, TextFieldsFollowTheUtf8Flag) {
