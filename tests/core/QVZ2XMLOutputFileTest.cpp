@@ -10,6 +10,7 @@
 
 #include <sys/resource.h>
 
+#include "common/ScopedFileSizeLimit.h"
 #include "common/QvzFixture.h"
 #include "core/XmlOutputFile.h"
 
@@ -22,27 +23,6 @@ namespace {
 QStringList Entries(const QTemporaryDir& dir) {
   return QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
 }
-
-// Limits the size of files this process may write, the way a full disc
-// would stop a write, and restores the limit afterwards.
-class ScopedFileSizeLimit {
- public:
-  explicit ScopedFileSizeLimit(rlim_t bytes) {
-    getrlimit(RLIMIT_FSIZE, &m_previous);
-    m_handler = std::signal(SIGXFSZ, SIG_IGN);  // a failing write, not a signal
-    rlimit limit = m_previous;
-    limit.rlim_cur = bytes;
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~ScopedFileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &m_previous);
-    std::signal(SIGXFSZ, m_handler);
-  }
-
- private:
-  rlimit m_previous{};
-  void (*m_handler)(int);
-};
 
 TEST(QVZ2XMLOutputFile, WritesEveryPieceInOrderAcrossBufferBoundaries) {
   QTemporaryDir dir;
@@ -152,7 +132,7 @@ TEST(QVZ2XMLOutputFile, FailedWriteStopsTheStreamAndKeepsTheOldFile) {
   XmlOutputFile out(1024);
   ASSERT_TRUE(out.Create(path));
   {
-    ScopedFileSizeLimit limit(4096);
+    ombrelle::test::ScopedFileSizeLimit limit(4096);
     const std::string line(100, 'x');
     for (int i = 0; i < 100; ++i) out.Write(line);
     EXPECT_TRUE(out.Failed());

@@ -11,6 +11,7 @@
 
 #include <sys/resource.h>
 
+#include "common/ScopedFileSizeLimit.h"
 #include "common/OutsideReaders.h"
 #include "common/MessageAssertions.h"
 #include "common/QvzFixture.h"
@@ -154,27 +155,6 @@ std::string Expected(const char* document) {
 QStringList Entries(const QString& folder) {
   return QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name);
 }
-
-// Limits the size of files this process may write, the way a full disc stops
-// a write, and restores the limit afterwards.
-class ScopedFileSizeLimit {
- public:
-  explicit ScopedFileSizeLimit(rlim_t bytes) {
-    getrlimit(RLIMIT_FSIZE, &m_previous);
-    m_handler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit = m_previous;
-    limit.rlim_cur = bytes;
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~ScopedFileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &m_previous);
-    std::signal(SIGXFSZ, m_handler);
-  }
-
- private:
-  rlimit m_previous{};
-  void (*m_handler)(int);
-};
 
 class QVZ2XMLExport : public ::testing::Test {
  protected:
@@ -467,7 +447,7 @@ TEST_F(QVZ2XMLExport, WriteErrorLeavesNoHalfFile) {
   QString output = existing;
   bool ok = true;
   {
-    ScopedFileSizeLimit limit(1000);  // the document is longer
+    ombrelle::test::ScopedFileSizeLimit limit(1000);  // the document is longer
     ok = SaveQVZ2XML(input, output, false);
   }
   EXPECT_FALSE(ok);

@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "common/ScopedFileSizeLimit.h"
 #include "common/MessageAssertions.h"
 #include "common/TestEnvironment.h"
 #include "support/CString.h"
@@ -26,27 +27,6 @@ QByteArray ReadAll(const QString& path) {
 QStringList FolderEntries(const QString& path) {
   return QDir(path).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
 }
-
-// Lowers the largest file this process may write, so that a write fails half
-// way, and restores it afterwards.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    getrlimit(RLIMIT_FSIZE, &m_saved);
-    m_handler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit lowered = m_saved;
-    lowered.rlim_cur = bytes;
-    setrlimit(RLIMIT_FSIZE, &lowered);
-  }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &m_saved);
-    std::signal(SIGXFSZ, m_handler);
-  }
-
- private:
-  rlimit m_saved{};
-  void (*m_handler)(int) = nullptr;
-};
 
 }  // namespace
 
@@ -103,7 +83,7 @@ TEST(WholeFileWriters, AFailedWriteLeavesNoHalfFile) {
   ASSERT_TRUE(SaveBinaryFile(path, "old content"));
   bool saved = true;
   {
-    FileSizeLimit limit(4096);
+    ombrelle::test::ScopedFileSizeLimit limit(4096);
     saved = SaveBinaryFile(path, QByteArray(200000, 'n'));
   }
   EXPECT_FALSE(saved);
