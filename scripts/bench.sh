@@ -12,7 +12,7 @@ min_time=${1:-0.2}
 scripts/install-deps.sh build
 if [ ! -f build/build.ninja ]; then cmake -S . -B build -G Ninja; fi
 mapfile -t benches < <(cd bench && ls *.cpp | sed 's/\.cpp$//')
-cmake --build build -j "$(nproc)" --target $(printf 'bench_%s ' "${benches[@]}")
+cmake --build build -j "$(nproc)" --target $(printf 'bench_%s ' "${benches[@]}") >&2
 
 out=build/bench-results
 rm -rf "$out"
