@@ -8,29 +8,16 @@
 #include <QPainter>
 #include <QRegion>
 
+#include "HeadlessGridHost.h"
 #include "grid/OwnerGridEvents.h"
 #include "grid/OwnerGridHost.h"
 #include "grid/OwnerGridLogic.h"
 
 namespace {
 
-using ombrelle::GridPointer;
 using ombrelle::OwnerGridLogic;
 
-class Surface : public ombrelle::OwnerGridHost {
- public:
-  explicit Surface(QSize size) : m_size(size) {}
-  QSize SurfaceSize() const override { return m_size; }
-  int ScrollBarExtent() const override { return 16; }
-  void ScrollBarsChanged() override {}
-  void RepaintAll() override {}
-  void RepaintRect(const QRect&) override {}
-  void SetPointer(GridPointer) override {}
-  void ApplyBorderStyle(int) override {}
-
- private:
-  QSize m_size;
-};
+using Surface = ombrelle::bench::HeadlessGridHost;
 
 // Formats each cell as the main window would: a number with decimals.
 class Owner : public ombrelle::OwnerGridEvents {

@@ -13,6 +13,7 @@
 #include <QRegion>
 #include <QTemporaryDir>
 
+#include "HeadlessGridHost.h"
 #include "core/MetricRead.h"
 #include "grid/OwnerGridHost.h"
 #include "grid/OwnerGridLogic.h"
@@ -28,20 +29,7 @@ constexpr int kFilesPage = 3;
 constexpr int kClassesPage = 4;
 constexpr int kProceduresPage = 5;
 
-class Surface : public OwnerGridHost {
- public:
-  explicit Surface(QSize size) : m_size(size) {}
-  QSize SurfaceSize() const override { return m_size; }
-  int ScrollBarExtent() const override { return 16; }
-  void ScrollBarsChanged() override {}
-  void RepaintAll() override {}
-  void RepaintRect(const QRect&) override {}
-  void SetPointer(GridPointer) override {}
-  void ApplyBorderStyle(int) override {}
-
- private:
-  QSize m_size;
-};
+using Surface = ombrelle::bench::HeadlessGridHost;
 
 // The window around the grid, 1200 pixels wide.
 class BenchView : public PageView {
