@@ -38,7 +38,10 @@ ChartRect LegendBoxFor(const ChartRect& frame) {
 ChartRect ComputePlot(const MarginInput& in, const TextMeasure& measure) {
   ChartRect plot;
   plot.Top = in.Title.isEmpty() ? -50 : RoundEven(-50 - measure.Height(QStringLiteral("Tg"), 60));
-  plot.Bottom = in.ShowLegend ? in.LegendBox.Top + 20 : in.Frame.Bottom + 50;
+  // Above a legend a line of axis labels must fit between the axis and the box.
+  plot.Bottom = in.ShowLegend
+                    ? in.LegendBox.Top + 20 + RoundEven(measure.Height(QStringLiteral("Tg"), 30))
+                    : in.Frame.Bottom + 50;
   if (!in.AxisCaption.isEmpty()) plot.Bottom += 45;
   plot.Left =
       in.WithYLabels ? RoundEven(measure.Width(QStringLiteral(".0  ") + in.YMaxLabel, 30)) : 50;

@@ -46,8 +46,8 @@ struct MarginInput {
   QString YMaxLabel;        // the formatted top of the Y axis
   QStringList YLineLabels;  // labels of the horizontal reference lines
 };
-// The plot area: room for the title above, the legend and caption below, the Y labels on
-// the left and the reference-line labels on the right.
+// The plot area: room for the title above, the legend (with a line of axis labels above it)
+// and the caption below, the Y labels on the left and the reference-line labels on the right.
 ChartRect ComputePlot(const MarginInput& in, const TextMeasure& measure);
 
 // Left ends of the legend cells: cell i (First .. First + Count - 1) starts at

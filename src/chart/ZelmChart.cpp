@@ -313,11 +313,13 @@ void ZelmChart::DrawDateTicks() {
   const double start = m_series[0].Min, end = m_series[0].Max;
   const double range = end == start ? 1 : end - start;
   const double y = ValueToY(0);
+  SetFontSize(30);
   for (const DateTick& tick : DateTicks(start, end)) {
     const double x =
         (m_plot.Right - m_plot.Left) * (tick.Date - m_scale.XMin) / range + m_plot.Left;
     m_picture->DrawLine(x, y, x, y + 20);
-    m_picture->PrintText(tick.Label, x, y);
+    // The label starts at its tick, but the last ones stay on the page.
+    m_picture->PrintText(tick.Label, std::min(x, m_frame.Right - TextW(tick.Label)), y);
   }
 }
 

@@ -72,8 +72,8 @@ void ZelmChart::DrawBars(std::vector<CStats>& series, const QStringList& labels,
     if (w < u) {
       m_picture->PrintText(label, x + u / 2 - w / 2, m_plot.Bottom);
     } else {
-      // Cut at its unit; the last one has three units of room.
-      const double room = j == labels.size() - 1 ? 3 * u : u;
+      // Cut at its unit; the last one has three units of room, within the page.
+      const double room = j == labels.size() - 1 ? std::min(3 * u, m_frame.Right - x) : u;
       m_picture->PrintTextRect(label, x, m_plot.Bottom, x + room, m_plot.Bottom - TextH(label), 0,
                                0);
     }

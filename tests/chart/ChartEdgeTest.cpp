@@ -103,7 +103,7 @@ TEST(ZelmChartDraw, OneValueAllEqualAllZeroAndNegativeBars) {
     std::vector<double> values;
     double yMin, yMax;
   };
-  const Case cases[] = {{{4}, 0, 4}, {{5, 5, 5}, 0, 5}, {{0, 0}, 0, 1}, {{-3, 6, -7}, -8, 6}};
+  const Case cases[] = {{{4}, 0, 4}, {{5, 5, 5}, 0, 5}, {{0, 0}, 0, 1}, {{-3, 6, -7}, -10, 10}};
   for (const Case& c : cases) {
     ZelmChart chart;
     const auto& records = Drawn(chart, 0, {Series(c.values)});
@@ -175,7 +175,7 @@ TEST(ZelmChartDraw, KiviatWithOneAndFourAxesScalesSmallValuesAgainstOne) {
   four.SetDataKiviat({Series({0.5, 0.5, 0.5, 0.5})}, {"N", "E", "S", "W"}, false);
   four.Draw(true);
   const auto& records = four.GetMetafile().Records();
-  EXPECT_TRUE(TextsOf(records).contains(QStringLiteral("Max = 1")));
+  EXPECT_TRUE(TextsOf(records).contains(QStringLiteral("Max = 1.0")));
   // The polygon is a square at half the radius: four lines of the series colour.
   EXPECT_EQ(LinesOf(records, 0, 2) >= 4, true);
 
@@ -240,5 +240,6 @@ TEST(ZelmChartDraw, ScatterTexts) {
   EXPECT_TRUE(found);
   ZelmChart line;
   const auto& l = Drawn(line, 6, {Series({1, 2, 3, 4}), Series({-1, 1, 3, 5})});
-  EXPECT_TRUE(TextsOf(l).contains(QStringLiteral("y = 2.00 x x -3.00  (R²=100%)")));
+  EXPECT_TRUE(TextsOf(l).contains(QStringLiteral("y = 2.00 x x -3.00  (R²=100%)")))
+      << TextsOf(l).join(QLatin1Char('|')).toStdString();
 }

@@ -44,8 +44,8 @@ TEST(ChartMargins, TitleLegendCaptionLabelsAndYLines) {
   in.WithYLabels = true;
   in.YMaxLabel = QStringLiteral("40k");  // ".0  40k": 7 characters at size 30
   const ChartRect plot = ComputePlot(in, FakeMeasure());
-  EXPECT_EQ(plot.Top, -122);  // -50 - 72
-  EXPECT_EQ(plot.Bottom, -989 + 20 + 45);
+  EXPECT_EQ(plot.Top, -122);                    // -50 - 72
+  EXPECT_EQ(plot.Bottom, -989 + 20 + 36 + 45);  // a line of labels above the legend
   EXPECT_EQ(plot.Left, 70);
   EXPECT_EQ(plot.Right, 1449);
 

@@ -10,8 +10,9 @@
 namespace ombrelle::charttest {
 
 CStats Series(const std::vector<double>& values, int dataType) {
-  CStats s;
-  for (double v : values) s.AddValue(v);
+  CStats s;  // sized as the reader sizes its columns: no unfilled slots
+  s.Init(static_cast<std::int32_t>(values.size()));
+  for (double v : values) s.AddValueQuick(v);
   s.CalcStats();
   s.DataType = dataType;
   return s;
