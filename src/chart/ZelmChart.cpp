@@ -304,7 +304,8 @@ void ZelmChart::DrawXTicks() {
     if (i > 0) m_picture->DrawLine(m_plot.Left, x, m_plot.Right, x, GridColor);
     m_picture->DrawLine(x, axisY, x, axisY - 10);
     const QString label = FormatAxisValue(v, true);
-    m_picture->PrintText(label, x - TextW(label) / 2, axisY);
+    // Below the tick, so that it does not cross the digits.
+    m_picture->PrintText(label, x - TextW(label) / 2, axisY - 10);
   }
 }
 
@@ -398,8 +399,11 @@ std::unique_ptr<Bitmap> ZelmChart::GetBitmap(int width, int depth) {
   return m_picture->MakeBitmap(width, 0, depth, true);
 }
 
-bool ZelmChart::SaveWMF(const QString& file, float scale) {
-  return m_picture->SavePlaceableWMF(file, scale, 0);
+bool ZelmChart::SaveWMF(const QString&, float) {
+  // Not yet: the placeable WMF writer of the drawing surface (Metafile::SavePlaceableWMF)
+  // does not exist yet; once it does this is m_picture->SavePlaceableWMF(file, scale, 0).
+  // Until then nothing is written and the answer is false.
+  return false;
 }
 
 bool ZelmChart::CopyToClipboard() { return m_picture->CopyToClipboard(0, 0); }

@@ -115,7 +115,9 @@ TEST(ZelmChartDraw, OneValueAllEqualAllZeroAndNegativeBars) {
     const double zero = chart.Scale().ValueToY(0, chart.Plot().Top, chart.Plot().Bottom);
     for (std::size_t i = 0; i < boxes.size(); ++i) {
       EXPECT_NEAR(boxes[i]->points[0].y(), zero, 0.5001);
-      if (c.values[i] < 0) EXPECT_LT(boxes[i]->points[1].y(), zero);
+      if (c.values[i] < 0) {
+        EXPECT_LT(boxes[i]->points[1].y(), zero);
+      }
     }
   }
 }
