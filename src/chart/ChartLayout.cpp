@@ -6,6 +6,7 @@
 
 #include <QDate>
 
+#include "stats/Significance.h"
 #include "support/DateValue.h"
 #include "support/FormatNum.h"
 
@@ -235,9 +236,7 @@ QString RegressionLabel(bool significant, double slope, double intercept, double
                         const QString& yName, const QString& xName) {
   const QString r2 = QStringLiteral("(R²=") + FormatPattern(r * r, "0%") + QLatin1Char(')');
   if (!significant) return QStringLiteral("Correlation not significant ") + r2;
-  const char* pattern = slope == 0                          ? "0"
-                        : std::log10(std::fabs(slope)) < -1 ? "0.########"
-                                                            : "0.00";
+  const char* pattern = RegressionSlopePattern(slope);  // the intercept takes it too
   const QString b = FormatPattern(slope, pattern);
   const QString a = FormatPattern(intercept, pattern);
   const QString joiner =

@@ -4,7 +4,11 @@
 #include <cmath>
 
 #include "ChartTestSupport.h"
+#include "pictures/Bitmap.h"
 #include "pictures/Metafile.h"
+
+#include <QDir>
+#include <QFile>
 
 using namespace ombrelle;
 using namespace ombrelle::charttest;
@@ -244,4 +248,16 @@ TEST(ZelmChartDraw, ScatterTexts) {
   const auto& l = Drawn(line, 6, {Series({1, 2, 3, 4}), Series({-1, 1, 3, 5})});
   EXPECT_TRUE(TextsOf(l).contains(QStringLiteral("y = 2.00 x x -3.00  (R²=100%)")))
       << TextsOf(l).join(QLatin1Char('|')).toStdString();
+}
+
+TEST(ZelmChartOutput, BitmapKeepsTheAspectAndWmfWaitsForItsWriter) {
+  ZelmChart chart;
+  Drawn(chart, 0, {Series({1, 2, 3})});
+  const std::unique_ptr<Bitmap> bitmap = chart.GetBitmap(600, 24);
+  ASSERT_NE(bitmap, nullptr);
+  EXPECT_EQ(bitmap->Width(), 600);
+  EXPECT_EQ(bitmap->Height(), 448);  // 150 x 112 mm
+  const QString file = QDir::temp().filePath(QStringLiteral("chart.wmf"));
+  EXPECT_FALSE(chart.SaveWMF(file, 1));
+  EXPECT_FALSE(QFile::exists(file));
 }
