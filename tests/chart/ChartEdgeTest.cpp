@@ -261,3 +261,38 @@ TEST(ZelmChartOutput, BitmapKeepsTheAspectAndWmfWaitsForItsWriter) {
   EXPECT_FALSE(chart.SaveWMF(file, 1));
   EXPECT_FALSE(QFile::exists(file));
 }
+
+// Every kind on the data sets that break charts: nothing, one value, all equal, all zero,
+// negative values. Each draw ends with a finished recording of finite, on-page coordinates.
+TEST(ZelmChartDraw, EveryKindOnDegenerateData) {
+  const std::vector<std::vector<double>> sets = {
+      {}, {7}, {5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5}, {0, 0, 0}, {-4, -1, -9, 3, -2}};
+  for (int type = 0; type <= 10; ++type) {
+    for (const auto& values : sets) {
+      ZelmChart chart;
+      chart.Title = QStringLiteral("T");
+      chart.SeedSpread(3);
+      chart.SetLegendData({QStringLiteral("a"), QStringLiteral("b")});
+      std::vector<double> x;
+      for (std::size_t i = 0; i < values.size(); ++i) x.push_back(45000 + 30.0 * i);
+      if (type == 8) {
+        chart.SetChartType(8);
+        chart.SetDataKiviat({Series(values)}, {}, false);
+        chart.Draw(false);
+      } else if (type >= 4 && type <= 6) {
+        Drawn(chart, type, {Series(x), Series(values)}, false);
+      } else {
+        Drawn(chart, type, {Series(values)}, false);
+      }
+      const Metafile& picture = chart.GetMetafile();
+      ASSERT_TRUE(picture.IsReady()) << type;
+      for (const MetaRecord& r : picture.Records())
+        for (const QPoint& p : r.points) {
+          ASSERT_GE(p.x(), -2000) << type << " " << values.size();
+          ASSERT_LE(p.x(), 3000) << type << " " << values.size();
+          ASSERT_LE(p.y(), 2000) << type << " " << values.size();
+          ASSERT_GE(p.y(), -3000) << type << " " << values.size();
+        }
+    }
+  }
+}
