@@ -91,7 +91,9 @@ QString TableText(const ReportPage& page, int kind, bool summary, const QString&
   QString line = pieces.headerStart;
   for (int c = 1; c <= columns; ++c) {
     if (c > 1) line += pieces.headerSeparator;
-    line += page.ColumnCaption(c);
+    // Captions stand as they are, but for the HTML kind: a row header of a
+    // rotated table holding "&" or "<" would otherwise break the document.
+    line += html ? EscapedHTML(page.ColumnCaption(c)) : page.ColumnCaption(c);
   }
   out.AppendLine(line + pieces.headerEnd);
 

@@ -33,45 +33,55 @@ TEST(ReportFrame, HeadHasItsFourLinesAndOpensTheBodyOnRequest) {
 }
 
 TEST(ReportFrame, StyleBlocksAreExact) {
-  EXPECT_EQ(ReportStyle(),
-            Joined({"<STYLE TYPE=\"text/css\"><!--",
-                    "BODY { font-family: verdana; font-size: 80%; line-height: 1.5; }",
-                    "H1 { font-size: 140%; }", "H2 { font-size: 130%; }", "TR { text-align: left; }",
-                    "TR { font-family: verdana; font-size: 80%; line-height: 1.5;  }",
-                    "TD.data { text-align: right; }", "TABLE.stats TR TH { background: #ddddff; }",
-                    "TABLE.stats { border: 2px solid black; }",
-                    "TABLE TR.R1 { background: #ffffff; }", "TABLE TR.R2 { background: #eeeeee; }",
-                    "TABLE.grid { border: 2px solid black; border-collapse: collapse;  /* "
-                    "cellspacing = 0 */ }",
-                    "TABLE.grid TD { border: 1px solid gray; text-align:right; white-space: nowrap; }",
-                    "TABLE.grid TR TD.head { text-align:left; }", "TD.neg { color: red; }",
-                    "P.regression { margin-top: 0; margin-bottom: 0; }",
-                    "P.regressionbreak { margin-top: 1em; }", "TD.outliers { font-style: italic; }",
-                    "TR.hdr TH { padding-top: 1em; }", "--></STYLE>"}));
+  EXPECT_EQ(
+      ReportStyle(),
+      Joined({"<STYLE TYPE=\"text/css\"><!--",
+              "BODY { font-family: verdana; font-size: 80%; line-height: 1.5; }",
+              "H1 { font-size: 140%; }",
+              "H2 { font-size: 130%; }",
+              "TR { text-align: left; }",
+              "TR { font-family: verdana; font-size: 80%; line-height: 1.5;  }",
+              "TD.data { text-align: right; }",
+              "TABLE.stats TR TH { background: #ddddff; }",
+              "TABLE.stats { border: 2px solid black; }",
+              "TABLE TR.R1 { background: #ffffff; }",
+              "TABLE TR.R2 { background: #eeeeee; }",
+              "TABLE.grid { border: 2px solid black; border-collapse: collapse;  /* "
+              "cellspacing = 0 */ }",
+              "TABLE.grid TD { border: 1px solid gray; text-align:right; white-space: nowrap; }",
+              "TABLE.grid TR TD.head { text-align:left; }",
+              "TD.neg { color: red; }",
+              "P.regression { margin-top: 0; margin-bottom: 0; }",
+              "P.regressionbreak { margin-top: 1em; }",
+              "TD.outliers { font-style: italic; }",
+              "TR.hdr TH { padding-top: 1em; }",
+              "--></STYLE>"}));
   EXPECT_EQ(ReportStatusStyle(),
             Joined({"<STYLE TYPE=\"text/css\"><!--",
                     "BODY { font-family: verdana; font-size: 80%; line-height: 1.5;  }",
                     ".alt { color: gray; font-style: italic; }", "--></STYLE>"}));
-  EXPECT_EQ(ReportTableStyle(),
-            Joined({"<STYLE TYPE=\"text/css\"><!--",
-                    "TR { font-family: verdana; font-size: 70%; line-height: 1.5; }",
-                    "TABLE.data, TABLE.summary { border: 2px solid black; }",
-                    "TABLE.data TD, TABLE.data TH { white-space: nowrap; }",
-                    "TABLE TR.R1 { background: #ffffff; }", "TABLE TR TH { background: #ddddff; }",
-                    "TABLE TR.R2 { background: #eeeeee; }",
-                    "TABLE.data TR.R1 TD.C2 { background: #f8f8f8; }",
-                    "TABLE.data TR TD.C0, TABLE.data TR TD.C1, TABLE.data TR TD.C2 { text-align: "
-                    "right; }",
-                    "TABLE.data TR TD.CH { text-align: left; }", "TABLE TR TH { text-align: left; }",
-                    "TABLE TR.R1 TD.average, TABLE TR.R1 TD.outliers { background: #f8f8f8; } ",
-                    "TD.average, TD.max, TD.min { text-align: right; } ",
-                    "TD.description { font-size: 80%; }", "--></STYLE>"}));
+  EXPECT_EQ(
+      ReportTableStyle(),
+      Joined({"<STYLE TYPE=\"text/css\"><!--",
+              "TR { font-family: verdana; font-size: 70%; line-height: 1.5; }",
+              "TABLE.data, TABLE.summary { border: 2px solid black; }",
+              "TABLE.data TD, TABLE.data TH { white-space: nowrap; }",
+              "TABLE TR.R1 { background: #ffffff; }", "TABLE TR TH { background: #ddddff; }",
+              "TABLE TR.R2 { background: #eeeeee; }",
+              "TABLE.data TR.R1 TD.C2 { background: #f8f8f8; }",
+              "TABLE.data TR TD.C0, TABLE.data TR TD.C1, TABLE.data TR TD.C2 { text-align: "
+              "right; }",
+              "TABLE.data TR TD.CH { text-align: left; }", "TABLE TR TH { text-align: left; }",
+              "TABLE TR.R1 TD.average, TABLE TR.R1 TD.outliers { background: #f8f8f8; } ",
+              "TD.average, TD.max, TD.min { text-align: right; } ",
+              "TD.description { font-size: 80%; }", "--></STYLE>"}));
 }
 
 TEST(ReportFrame, FooterAndSavedByLine) {
-  EXPECT_EQ(ReportFooter(QStringLiteral("x.html")),
-            QStringLiteral("<P><A HREF=\"https://ombrelle.example.org/x.html\">Ombrelle Viewer</A> ") +
-                VersionText(false) + QStringLiteral("</P>"));
+  EXPECT_EQ(
+      ReportFooter(QStringLiteral("x.html")),
+      QStringLiteral("<P><A HREF=\"https://ombrelle.example.org/x.html\">Ombrelle Viewer</A> ") +
+          VersionText(false) + QStringLiteral("</P>"));
   const QDateTime when(QDate(2026, 11, 23), QTime(9, 5, 7));
   EXPECT_EQ(SavedByText(QStringLiteral("Saved by "), when),
             QStringLiteral("<P>Saved by Ombrelle Viewer ") + VersionText(false) +
@@ -139,7 +149,8 @@ TEST_F(ReportFolder, SavedReportsNeverOverwriteEachOther) {
   ScopedScriptedUi scripted;
   EXPECT_EQ(HtmlReportName(QStringLiteral("Stats")), m_folder + QStringLiteral("/Stats.html"));
   EXPECT_EQ(MhtReportName(QStringLiteral("Charts")), m_folder + QStringLiteral("/Charts.mht"));
-  const QString first = SaveAndOpenReport(QStringLiteral("<P>\u00E9 first</P>"), QStringLiteral("Stats"));
+  const QString first =
+      SaveAndOpenReport(QStringLiteral("<P>\u00E9 first</P>"), QStringLiteral("Stats"));
   const QString second = SaveAndOpenReport(QStringLiteral("second"), QStringLiteral("Stats"));
   EXPECT_EQ(first, m_folder + QStringLiteral("/Stats.html"));
   EXPECT_EQ(second, m_folder + QStringLiteral("/Statsxa.html"));
@@ -155,7 +166,8 @@ TEST_F(ReportFolder, FailedSaveOpensNothing) {
   {
     // The disc fills up half way through the report.
     test::ScopedFileSizeLimit limit(4096);
-    EXPECT_TRUE(SaveAndOpenReport(QString(200000, QLatin1Char('x')), QStringLiteral("Limits")).isEmpty());
+    EXPECT_TRUE(
+        SaveAndOpenReport(QString(200000, QLatin1Char('x')), QStringLiteral("Limits")).isEmpty());
   }
   EXPECT_FALSE(QFile::exists(m_folder + QStringLiteral("/Limits.html")));
   EXPECT_TRUE(scripted.ui.opened.empty());

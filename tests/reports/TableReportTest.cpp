@@ -90,8 +90,8 @@ FakePage FiveColumns() {
                  QStringLiteral("3"), QStringLiteral("")},
                 {QStringLiteral("gr\u00F6\u00DFe <x>"), QStringLiteral("4"), QStringLiteral("5"),
                  QStringLiteral("6"), QStringLiteral("7")},
-                {QStringLiteral("\"q\""), QStringLiteral("8"), QStringLiteral(""), QStringLiteral("9"),
-                 QStringLiteral("10")}};
+                {QStringLiteral("\"q\""), QStringLiteral("8"), QStringLiteral(""),
+                 QStringLiteral("9"), QStringLiteral("10")}};
   return page;
 }
 
@@ -115,7 +115,7 @@ TEST(TableText, HtmlBandsRowsAndCyclesFiveColumns) {
   const QString html = TableText(page, ExportKind::Html, false, QString(), kSaved);
   EXPECT_EQ(TableLines(html),
             (QStringList{
-                "<THEAD><TR><TH>Procedure</TH><TH>LINES</TH><TH>CC</TH><TH>LLOC%</TH><TH>\u00B1d</"
+                "<THEAD><TR><TH>Procedure</TH><TH>LINES</TH><TH>CC</TH><TH>LLOC%</TH><TH>&#177;d</"
                 "TH></TR></THEAD><TBODY>",
                 "<TR CLASS=\"R1\"><TD CLASS=\"CH\">a &amp; b, c</TD><TD CLASS=\"C2\">h:1</TD><TD "
                 "CLASS=\"C0\">h:2</TD><TD CLASS=\"C1\">h:3</TD><TD CLASS=\"C2\"></TD></TR>",
@@ -125,15 +125,16 @@ TEST(TableText, HtmlBandsRowsAndCyclesFiveColumns) {
                 "<TR CLASS=\"R1\"><TD CLASS=\"CH\">&quot;q&quot;</TD><TD CLASS=\"C2\">h:8</TD><TD "
                 "CLASS=\"C0\"></TD><TD CLASS=\"C1\">h:9</TD><TD CLASS=\"C2\">h:10</TD></TR>",
             }));
-  const QString start = ReportHead(QStringLiteral("Metrics exported by Ombrelle Viewer ") +
-                                       VersionText(false),
-                                   false) +
-                        QStringLiteral("\r\n") + ReportTableStyle() +
-                        QStringLiteral(
-                            "</HEAD><BODY>\r\n<H1>Procedure metrics</H1>\r\n<P>Harbour &amp; Co "
-                            "2024</P>\r\n<TABLE CLASS=\"data\">\r\n<THEAD>");
+  const QString start =
+      ReportHead(QStringLiteral("Metrics exported by Ombrelle Viewer ") + VersionText(false),
+                 false) +
+      QStringLiteral("\r\n") + ReportTableStyle() +
+      QStringLiteral(
+          "</HEAD><BODY>\r\n<H1>Procedure metrics</H1>\r\n<P>Harbour &amp; Co "
+          "2024</P>\r\n<TABLE CLASS=\"data\">\r\n<THEAD>");
   EXPECT_TRUE(html.startsWith(start)) << html.left(start.size()).toStdString();
-  EXPECT_TRUE(html.endsWith(QStringLiteral("</TBODY></TABLE><P></P>\r\n<P>Saved</P>\r\n</BODY></HTML>\r\n")));
+  EXPECT_TRUE(html.endsWith(
+      QStringLiteral("</TBODY></TABLE><P></P>\r\n<P>Saved</P>\r\n</BODY></HTML>\r\n")));
   EXPECT_FALSE(html.contains(QStringLiteral("Summary")));
 }
 
@@ -162,8 +163,8 @@ TEST(TableText, ListSeparatorRule) {
     const char* decimal;
     const char* expected;
   } cases[] = {
-      {",", ".", ","},  {",", ",", ";"},  {";", ";", ","},    {";", ",", ";"},
-      {"", ".", ","},   {"", ",", ";"},   {"|", "|", ";"},    {"abcdefg", ".", "abcde"},
+      {",", ".", ","}, {",", ",", ";"}, {";", ";", ","}, {";", ",", ";"},
+      {"", ".", ","},  {"", ",", ";"},  {"|", "|", ";"}, {"abcdefg", ".", "abcde"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.list) + " / " + c.decimal);
@@ -215,8 +216,9 @@ TEST(SummaryTable, GroupsByClassWithFullStatistics) {
   EXPECT_EQ(lines[11].left(31), "<TR><TH>Project average</TH><TH");
   const QString text = out.Value();
   EXPECT_TRUE(text.contains("<TR VALIGN=\"TOP\" CLASS=\"R2\">\r\n <TD CLASS=\"abbr\">LINES</TD>"));
-  EXPECT_TRUE(text.contains("<TD CLASS=\"average\">-</TD>\r\n <TD CLASS=\"min\">-</TD>\r\n <TD "
-                            "CLASS=\"max\">-</TD>\r\n<TD CLASS=\"outliers\">-</TD>"));
+  EXPECT_TRUE(
+      text.contains("<TD CLASS=\"average\">-</TD>\r\n <TD CLASS=\"min\">-</TD>\r\n <TD "
+                    "CLASS=\"max\">-</TD>\r\n<TD CLASS=\"outliers\">-</TD>"));
   // Fewer than 10 values: no fences.
   EXPECT_TRUE(text.contains(" <TD CLASS=\"max\">4</TD>\r\n<TD CLASS=\"outliers\">-</TD>"));
   EXPECT_TRUE(text.endsWith("</TABLE>\r\n"));
@@ -254,12 +256,15 @@ TEST_F(TableFile, WritesAnsiBytesAndOpensTheFile) {
   QFile in(file);
   ASSERT_TRUE(in.open(QIODevice::ReadOnly));
   const QByteArray bytes = in.readAll();
-  EXPECT_TRUE(bytes.startsWith("Procedure,LINES,CC,LLOC%,\xB1" "d\r\na &amp; b, c,p:1"));
+  EXPECT_TRUE(
+      bytes.startsWith("Procedure,LINES,CC,LLOC%,\xB1"
+                       "d\r\na &amp; b, c,p:1"));
   EXPECT_EQ(m_scripted.ui.opened, std::vector<QString>{file});
   EXPECT_EQ(m_scripted.ui.busyShown, 1);
   EXPECT_EQ(m_scripted.ui.BusyCount(), 0);
   // Read back by an outside reader, a separator inside a header splits it.
-  const QList<QStringList> rows = test::PythonCsvRows(file, QStringLiteral(","), QStringLiteral("cp1252"));
+  const QList<QStringList> rows =
+      test::PythonCsvRows(file, QStringLiteral(","), QStringLiteral("cp1252"));
   ASSERT_EQ(rows.size(), 4);
   EXPECT_EQ(rows[0], (QStringList{"Procedure", "LINES", "CC", "LLOC%", "\u00B1d"}));
   EXPECT_EQ(rows[1], (QStringList{"a &amp; b", " c", "p:1", "p:2", "p:3", ""}));
