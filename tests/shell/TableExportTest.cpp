@@ -297,5 +297,18 @@ TEST_F(TableExportTest, ReportEntriesWriteNewFilesInTheReportsFolder) {
   EXPECT_TRUE(ReadBytes(m_scripted.ui.opened[1]).contains("<H1>Summary</H1>"));
 }
 
+TEST_F(TableExportTest, XmlEntryExportsTheCurrentAnalysis) {
+  const QString xml = m_dir.filePath(QStringLiteral("small.xml"));
+  m_scripted.ui.fileAnswers = {QString(), xml};
+  TableExport(*m_model).ExportXmlDialog();  // cancelled: nothing written
+  EXPECT_FALSE(QFile::exists(xml));
+  TableExport(*m_model).ExportXmlDialog();
+  ASSERT_EQ(m_scripted.ui.fileRequests.size(), 2u);
+  EXPECT_EQ(m_scripted.ui.fileRequests[1].title, QStringLiteral("Export to XML"));
+  EXPECT_TRUE(ReadBytes(xml).contains("zeta[1]"));
+  EXPECT_TRUE(m_scripted.ui.messages.empty())
+      << m_scripted.ui.MessageTexts().join("|").toStdString();
+}
+
 }  // namespace
 }  // namespace ombrelle
