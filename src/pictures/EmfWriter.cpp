@@ -51,7 +51,7 @@ void EmfWriter::Pair(uint32_t type, int32_t x, int32_t y) {
   End();
 }
 
-void EmfWriter::Box(uint32_t type, const MetaRect& box) {
+void EmfWriter::Box(uint32_t type, const RecordRect& box) {
   Begin(type);
   m_out.I32(box.left);
   m_out.I32(box.top);
@@ -109,7 +109,7 @@ uint32_t EmfWriter::CreateBrushIndirect(uint32_t style, uint32_t color, uint32_t
   return slot;
 }
 
-uint32_t EmfWriter::ExtCreateFontIndirectW(const MetaFont& font) {
+uint32_t EmfWriter::ExtCreateFontIndirectW(const LogicalFont& font) {
   const uint32_t slot = TakeSlot();
   Begin(EmrType::ExtCreateFontIndirectW);
   m_out.U32(slot);
@@ -140,13 +140,13 @@ void EmfWriter::DeleteObject(uint32_t slot) {
   if (slot < m_slots.size()) m_slots[slot] = false;
 }
 
-void EmfWriter::DeviceBounds(const std::vector<MetaPoint>& points) {
+void EmfWriter::DeviceBounds(const std::vector<RecordPoint>& points) {
   if (points.empty()) {
     m_out.Zeros(16);
     return;
   }
   double left = 1e300, top = 1e300, right = -1e300, bottom = -1e300;
-  for (const MetaPoint& p : points) {
+  for (const RecordPoint& p : points) {
     const double x = p.x * m_scaleX + m_offsetX;
     const double y = p.y * m_scaleY + m_offsetY;
     left = std::min(left, x);
@@ -160,18 +160,49 @@ void EmfWriter::DeviceBounds(const std::vector<MetaPoint>& points) {
   m_out.I32(RoundToInt(std::ceil(bottom)));
 }
 
-void EmfWriter::Poly16(uint32_t type, const std::vector<MetaPoint>& points) {
+void EmfWriter::Poly16(uint32_t type, const std::vector<RecordPoint>& points) {
   Begin(type);
   DeviceBounds(points);
   m_out.U32(static_cast<uint32_t>(points.size()));
-  for (const MetaPoint& p : points) {
+  for (const RecordPoint& p : points) {
     m_out.I16(static_cast<int16_t>(p.x));
     m_out.I16(static_cast<int16_t>(p.y));
   }
   End();
 }
 
-void EmfWriter::Pie(const MetaRect& box, MetaPoint start, MetaPoint end) {
+void EmfWriter::Poly32(uint32_t type, const std::vector<RecordPoint>& points) {
+  Begin(type);
+  DeviceBounds(points);
+  m_out.U32(static_cast<uint32_t>(points.size()));
+  for (const RecordPoint& p : points) {
+    m_out.I32(p.x);
+    m_out.I32(p.y);
+  }
+  End();
+}
+
+namespace {
+bool FitsSixteenBits(const std::vector<RecordPoint>& points) {
+  return std::all_of(points.begin(), points.end(), [](const RecordPoint& p) {
+    return p.x >= -32768 && p.x <= 32767 && p.y >= -32768 && p.y <= 32767;
+  });
+}
+}  // namespace
+
+void EmfWriter::Polyline(const std::vector<RecordPoint>& points) {
+  FitsSixteenBits(points) ? Polyline16(points) : Poly32(EmrType::Polyline, points);
+}
+
+void EmfWriter::Polygon(const std::vector<RecordPoint>& points) {
+  FitsSixteenBits(points) ? Polygon16(points) : Poly32(EmrType::Polygon, points);
+}
+
+void EmfWriter::PolyBezier(const std::vector<RecordPoint>& points) {
+  FitsSixteenBits(points) ? PolyBezier16(points) : Poly32(EmrType::PolyBezier, points);
+}
+
+void EmfWriter::Pie(const RecordRect& box, RecordPoint start, RecordPoint end) {
   Begin(EmrType::Pie);
   m_out.I32(box.left);
   m_out.I32(box.top);
@@ -194,7 +225,7 @@ void EmfWriter::ExtFloodFill(int32_t x, int32_t y, uint32_t color, uint32_t mode
 }
 
 void EmfWriter::ExtTextOutW(int32_t x, int32_t y, const QString& text, uint32_t options,
-                            const MetaRect& clip, const std::vector<int32_t>& advances) {
+                            const RecordRect& clip, const std::vector<int32_t>& advances) {
   constexpr int kFixed = 76;  // record head, bounds, mode, scales and the text block
   const int chars = static_cast<int>(text.size());
   const int stringBytes = (chars * 2 + 3) / 4 * 4;
@@ -232,7 +263,7 @@ QByteArray EmfWriter::Finish(const EmfHeaderInfo& info) const {
   LittleEndianWriter out;
   out.U32(EmrType::Header);
   out.U32(static_cast<uint32_t>(headerSize));
-  for (const MetaRect& r : {info.bounds, info.frame}) {
+  for (const RecordRect& r : {info.bounds, info.frame}) {
     out.I32(r.left);
     out.I32(r.top);
     out.I32(r.right);

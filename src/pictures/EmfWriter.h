@@ -13,6 +13,9 @@ namespace ombrelle {
 // Record types of the enhanced metafile format that the writer produces.
 namespace EmrType {
 constexpr uint32_t Header = 1;
+constexpr uint32_t PolyBezier = 2;
+constexpr uint32_t Polygon = 3;
+constexpr uint32_t Polyline = 4;
 constexpr uint32_t Eof = 14;
 constexpr uint32_t SetWindowExtEx = 9;
 constexpr uint32_t SetWindowOrgEx = 10;
@@ -47,22 +50,22 @@ constexpr uint32_t NullBrush = 0x80000005;
 constexpr uint32_t NullPen = 0x80000008;
 }  // namespace EmfStock
 
-struct MetaPoint {
+struct RecordPoint {
   int32_t x = 0;
   int32_t y = 0;
-  bool operator==(const MetaPoint&) const = default;
+  bool operator==(const RecordPoint&) const = default;
 };
 
-struct MetaRect {
+struct RecordRect {
   int32_t left = 0;
   int32_t top = 0;
   int32_t right = 0;
   int32_t bottom = 0;
-  bool operator==(const MetaRect&) const = default;
+  bool operator==(const RecordRect&) const = default;
 };
 
 // A logical font as both metafile forms describe it.
-struct MetaFont {
+struct LogicalFont {
   int32_t height = 0;  // logical units; negative: the character height
   int32_t width = 0;
   int32_t escapement = 0;
@@ -73,13 +76,13 @@ struct MetaFont {
   bool strikeOut = false;
   uint8_t charSet = 0;
   QString faceName;  // at most 31 characters are kept
-  bool operator==(const MetaFont&) const = default;
+  bool operator==(const LogicalFont&) const = default;
 };
 
 // What the header of an enhanced metafile tells about the picture as a whole.
 struct EmfHeaderInfo {
-  MetaRect bounds;  // device pixels, inclusive
-  MetaRect frame;   // 0.01 mm, inclusive
+  RecordRect bounds;  // device pixels, inclusive
+  RecordRect frame;   // 0.01 mm, inclusive
   QString description;  // stored as given, UTF-16; empty: none
   int32_t devicePixelsX = 0;
   int32_t devicePixelsY = 0;
@@ -103,7 +106,7 @@ class EmfWriter {
   uint32_t CreatePen(uint32_t style, int32_t width, uint32_t color);
   uint32_t ExtCreatePen(uint32_t style, int32_t width, uint32_t color);
   uint32_t CreateBrushIndirect(uint32_t style, uint32_t color, uint32_t hatch = 0);
-  uint32_t ExtCreateFontIndirectW(const MetaFont& font);
+  uint32_t ExtCreateFontIndirectW(const LogicalFont& font);
   void SelectObject(uint32_t slot);
   void DeleteObject(uint32_t slot);
 
@@ -122,18 +125,22 @@ class EmfWriter {
 
   // Drawing records. The 16-bit point forms need every coordinate within
   // -32768..32767; the caller keeps them there.
-  void Polyline16(const std::vector<MetaPoint>& points) { Poly16(EmrType::Polyline16, points); }
-  void Polygon16(const std::vector<MetaPoint>& points) { Poly16(EmrType::Polygon16, points); }
-  void PolyBezier16(const std::vector<MetaPoint>& points) { Poly16(EmrType::PolyBezier16, points); }
-  void Rectangle(const MetaRect& box) { Box(EmrType::Rectangle, box); }
-  void Ellipse(const MetaRect& box) { Box(EmrType::Ellipse, box); }
-  void Pie(const MetaRect& box, MetaPoint start, MetaPoint end);
+  void Polyline16(const std::vector<RecordPoint>& points) { Poly16(EmrType::Polyline16, points); }
+  void Polygon16(const std::vector<RecordPoint>& points) { Poly16(EmrType::Polygon16, points); }
+  void PolyBezier16(const std::vector<RecordPoint>& points) { Poly16(EmrType::PolyBezier16, points); }
+  // The same with 32-bit points when a coordinate needs them.
+  void Polyline(const std::vector<RecordPoint>& points);
+  void Polygon(const std::vector<RecordPoint>& points);
+  void PolyBezier(const std::vector<RecordPoint>& points);
+  void Rectangle(const RecordRect& box) { Box(EmrType::Rectangle, box); }
+  void Ellipse(const RecordRect& box) { Box(EmrType::Ellipse, box); }
+  void Pie(const RecordRect& box, RecordPoint start, RecordPoint end);
   // mode 0: fill up to the border colour; 1: fill the area of that colour.
   void ExtFloodFill(int32_t x, int32_t y, uint32_t color, uint32_t mode);
   // Text at the reference point; `options` 4 clips to `clip`. Every character
   // advances by the matching entry of `advances` (logical units).
   void ExtTextOutW(int32_t x, int32_t y, const QString& text, uint32_t options,
-                   const MetaRect& clip, const std::vector<int32_t>& advances);
+                   const RecordRect& clip, const std::vector<int32_t>& advances);
 
   int RecordCount() const { return m_records; }
   // The whole file: header, the records so far, end record.
@@ -144,9 +151,10 @@ class EmfWriter {
   void End();
   void Simple(uint32_t type, uint32_t value);
   void Pair(uint32_t type, int32_t x, int32_t y);
-  void Box(uint32_t type, const MetaRect& box);
-  void Poly16(uint32_t type, const std::vector<MetaPoint>& points);
-  void DeviceBounds(const std::vector<MetaPoint>& points);
+  void Box(uint32_t type, const RecordRect& box);
+  void Poly16(uint32_t type, const std::vector<RecordPoint>& points);
+  void Poly32(uint32_t type, const std::vector<RecordPoint>& points);
+  void DeviceBounds(const std::vector<RecordPoint>& points);
   uint32_t TakeSlot();
 
   LittleEndianWriter m_out;

@@ -34,15 +34,15 @@ void WmfWriter::YX(uint16_t function, int16_t x, int16_t y) {
   Words(function, {static_cast<uint16_t>(y), static_cast<uint16_t>(x)});
 }
 
-void WmfWriter::Box(uint16_t function, const MetaRect& box) {
+void WmfWriter::Box(uint16_t function, const RecordRect& box) {
   Words(function, {static_cast<uint16_t>(box.bottom), static_cast<uint16_t>(box.right),
                    static_cast<uint16_t>(box.top), static_cast<uint16_t>(box.left)});
 }
 
-void WmfWriter::Poly(uint16_t function, const std::vector<MetaPoint>& points) {
+void WmfWriter::Poly(uint16_t function, const std::vector<RecordPoint>& points) {
   Begin(function);
   m_out.I16(static_cast<int16_t>(points.size()));
-  for (const MetaPoint& p : points) {
+  for (const RecordPoint& p : points) {
     m_out.I16(static_cast<int16_t>(p.x));
     m_out.I16(static_cast<int16_t>(p.y));
   }
@@ -82,7 +82,7 @@ uint16_t WmfWriter::CreateBrushIndirect(uint16_t style, uint32_t color, uint16_t
   return slot;
 }
 
-uint16_t WmfWriter::CreateFontIndirect(const MetaFont& font) {
+uint16_t WmfWriter::CreateFontIndirect(const LogicalFont& font) {
   const uint16_t slot = TakeSlot();
   Begin(WmfFunc::CreateFontIndirect);
   m_out.I16(static_cast<int16_t>(font.height));
@@ -113,7 +113,7 @@ void WmfWriter::SetTextColor(uint32_t color) {
   End();
 }
 
-void WmfWriter::Pie(const MetaRect& box, MetaPoint start, MetaPoint end) {
+void WmfWriter::Pie(const RecordRect& box, RecordPoint start, RecordPoint end) {
   Words(WmfFunc::Pie,
         {static_cast<uint16_t>(end.y), static_cast<uint16_t>(end.x),
          static_cast<uint16_t>(start.y), static_cast<uint16_t>(start.x),
@@ -131,7 +131,7 @@ void WmfWriter::ExtFloodFill(int16_t x, int16_t y, uint32_t color, uint16_t mode
 }
 
 void WmfWriter::ExtTextOut(int16_t x, int16_t y, const QString& text, uint16_t options,
-                           const MetaRect& clip, const std::vector<int16_t>& advances) {
+                           const RecordRect& clip, const std::vector<int16_t>& advances) {
   const QByteArray bytes = TextToMultiByte(text, kCodepageAnsi);
   Begin(WmfFunc::ExtTextOut);
   m_out.I16(y);
@@ -184,7 +184,7 @@ uint16_t PlaceableChecksum(const QByteArray& firstTwentyBytes) {
   return sum;
 }
 
-QByteArray PlaceableHeader(const MetaRect& box, uint16_t unitsPerInch) {
+QByteArray PlaceableHeader(const RecordRect& box, uint16_t unitsPerInch) {
   LittleEndianWriter out;
   out.U32(kPlaceableKey);
   out.U16(0);  // no metafile handle

@@ -54,7 +54,7 @@ class WmfWriter {
   uint16_t CreatePenIndirect(uint16_t style, int16_t width, uint32_t color);
   uint16_t CreateBrushIndirect(uint16_t style, uint32_t color, uint16_t hatch = 0);
   // The face name is stored as Windows-1252 in a 32-byte field.
-  uint16_t CreateFontIndirect(const MetaFont& font);
+  uint16_t CreateFontIndirect(const LogicalFont& font);
   void SelectObject(uint16_t slot) { Words(WmfFunc::SelectObject, {slot}); }
   void DeleteObject(uint16_t slot);
 
@@ -70,16 +70,16 @@ class WmfWriter {
   void MoveTo(int16_t x, int16_t y) { YX(WmfFunc::MoveTo, x, y); }
   void LineTo(int16_t x, int16_t y) { YX(WmfFunc::LineTo, x, y); }
 
-  void Polyline(const std::vector<MetaPoint>& points) { Poly(WmfFunc::Polyline, points); }
-  void Polygon(const std::vector<MetaPoint>& points) { Poly(WmfFunc::Polygon, points); }
-  void Rectangle(const MetaRect& box) { Box(WmfFunc::Rectangle, box); }
-  void Ellipse(const MetaRect& box) { Box(WmfFunc::Ellipse, box); }
-  void Pie(const MetaRect& box, MetaPoint start, MetaPoint end);
+  void Polyline(const std::vector<RecordPoint>& points) { Poly(WmfFunc::Polyline, points); }
+  void Polygon(const std::vector<RecordPoint>& points) { Poly(WmfFunc::Polygon, points); }
+  void Rectangle(const RecordRect& box) { Box(WmfFunc::Rectangle, box); }
+  void Ellipse(const RecordRect& box) { Box(WmfFunc::Ellipse, box); }
+  void Pie(const RecordRect& box, RecordPoint start, RecordPoint end);
   void ExtFloodFill(int16_t x, int16_t y, uint32_t color, uint16_t mode);
   // Text as Windows-1252 at (x, y); `options` 4 clips to `clip`, which is
   // then stored; advances are stored only when given.
   void ExtTextOut(int16_t x, int16_t y, const QString& text, uint16_t options,
-                  const MetaRect& clip, const std::vector<int16_t>& advances);
+                  const RecordRect& clip, const std::vector<int16_t>& advances);
 
   int RecordCount() const { return m_records; }
   QByteArray Finish() const;
@@ -89,8 +89,8 @@ class WmfWriter {
   void End();
   void Words(uint16_t function, std::initializer_list<uint16_t> words);
   void YX(uint16_t function, int16_t x, int16_t y);
-  void Box(uint16_t function, const MetaRect& box);
-  void Poly(uint16_t function, const std::vector<MetaPoint>& points);
+  void Box(uint16_t function, const RecordRect& box);
+  void Poly(uint16_t function, const std::vector<RecordPoint>& points);
   uint16_t TakeSlot();
 
   LittleEndianWriter m_out;
@@ -107,7 +107,7 @@ int FitUnits(int32_t hundredthsMm, int units);
 
 // The 22-byte placeable header for a bounding box in metafile units and the
 // units per inch it states, with its checksum (XOR of the ten words before).
-QByteArray PlaceableHeader(const MetaRect& box, uint16_t unitsPerInch);
+QByteArray PlaceableHeader(const RecordRect& box, uint16_t unitsPerInch);
 uint16_t PlaceableChecksum(const QByteArray& firstTwentyBytes);
 
 }  // namespace ombrelle

@@ -70,7 +70,7 @@ TEST(EmfWriterBytes, EachRecordLayout) {
     std::function<void(EmfWriter&)> write;
     const char* hex;
   };
-  const MetaRect box{1, 2, 3, 4};
+  const RecordRect box{1, 2, 3, 4};
   const std::vector<Case> cases = {
       {"map mode", [](EmfWriter& w) { w.SetMapMode(8); }, "11000000 0C000000 08000000"},
       {"background mode", [](EmfWriter& w) { w.SetBkMode(1); }, "12000000 0C000000 01000000"},
@@ -121,7 +121,7 @@ TEST(EmfWriterBytes, EachRecordLayout) {
 
 TEST(EmfWriterBytes, FontRecordHasLogFontAndEmptyExtension) {
   EmfWriter w;
-  MetaFont font;
+  LogicalFont font;
   font.height = -35;
   font.weight = 700;
   font.italic = true;
@@ -218,7 +218,7 @@ TEST(WmfWriterBytes, EachRecordLayout) {
 
 TEST(WmfWriterBytes, FontRecordHasThirtyTwoByteFace) {
   WmfWriter w;
-  MetaFont font;
+  LogicalFont font;
   font.height = -42;
   font.weight = 400;
   font.underline = true;
