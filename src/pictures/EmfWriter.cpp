@@ -248,7 +248,8 @@ void EmfWriter::ExtTextOutW(int32_t x, int32_t y, const QString& text, uint32_t 
   m_out.U32(static_cast<uint32_t>(kFixed + stringBytes));
   WriteWide(m_out, text, chars);
   m_out.Zeros(stringBytes - chars * 2);
-  for (int i = 0; i < chars; ++i) m_out.I32(i < static_cast<int>(advances.size()) ? advances[i] : 0);
+  for (int i = 0; i < chars; ++i)
+    m_out.I32(i < static_cast<int>(advances.size()) ? advances[i] : 0);
   End();
 }
 

@@ -81,8 +81,8 @@ struct LogicalFont {
 
 // What the header of an enhanced metafile tells about the picture as a whole.
 struct EmfHeaderInfo {
-  RecordRect bounds;  // device pixels, inclusive
-  RecordRect frame;   // 0.01 mm, inclusive
+  RecordRect bounds;    // device pixels, inclusive
+  RecordRect frame;     // 0.01 mm, inclusive
   QString description;  // stored as given, UTF-16; empty: none
   int32_t devicePixelsX = 0;
   int32_t devicePixelsY = 0;
@@ -127,7 +127,9 @@ class EmfWriter {
   // -32768..32767; the caller keeps them there.
   void Polyline16(const std::vector<RecordPoint>& points) { Poly16(EmrType::Polyline16, points); }
   void Polygon16(const std::vector<RecordPoint>& points) { Poly16(EmrType::Polygon16, points); }
-  void PolyBezier16(const std::vector<RecordPoint>& points) { Poly16(EmrType::PolyBezier16, points); }
+  void PolyBezier16(const std::vector<RecordPoint>& points) {
+    Poly16(EmrType::PolyBezier16, points);
+  }
   // The same with 32-bit points when a coordinate needs them.
   void Polyline(const std::vector<RecordPoint>& points);
   void Polygon(const std::vector<RecordPoint>& points);

@@ -44,8 +44,7 @@ bool SaveEMF(const MetaPicture* picture, const QString& file) {
   if (!picture) {
     // There are no recording's bytes to fetch: 6 is the platform's number for
     // a handle that is not valid, and the call's result is 0.
-    Warn(QStringLiteral(
-        "Metafile.SaveEMF: Call to GetEnhMetaFileBits failed with error code 60"));
+    Warn(QStringLiteral("Metafile.SaveEMF: Call to GetEnhMetaFileBits failed with error code 60"));
     return false;
   }
   const QByteArray bytes = EmfBytes(*picture);

@@ -99,7 +99,10 @@ class EmfEmitter {
       m_out.SelectObject(EmfStock::NullPen);
       m_penSlot.reset();
     } else {
-      m_penSlot = m_out.CreatePen(0, pen.width, pen.color);
+      // A geometric pen (round ends and joins) of the width in logical
+      // units; width 0 is the cosmetic one-pixel pen.
+      m_penSlot = pen.width > 0 ? m_out.ExtCreatePen(0x00010000, pen.width, pen.color)
+                                : m_out.ExtCreatePen(0, 1, pen.color);
       m_out.SelectObject(*m_penSlot);
     }
     if (old) m_out.DeleteObject(*old);
@@ -273,7 +276,7 @@ QString EMFDescription(const QByteArray& emf) {
   const uint32_t headerSize = in.U32();
   in.Seek(40);
   if (in.U32() != 0x464D4520) return {};
-  in.Seek(64);
+  in.Seek(60);
   const uint32_t chars = in.U32();
   const uint32_t offset = in.U32();
   if (in.Failed() || chars == 0 || offset < 88 || offset > headerSize ||

@@ -11,6 +11,7 @@ namespace ombrelle {
 namespace {
 
 constexpr uint16_t kTransparent = 1;
+constexpr uint16_t kOpaque = 2;
 constexpr uint16_t kWinding = 2;
 constexpr uint16_t kAnisotropic = 8;
 constexpr int kBezierSteps = 16;
@@ -45,7 +46,7 @@ RecordRect BoundingBox(const MetaPicture& picture, int units) {
 
 class WmfEmitter {
  public:
-  WmfEmitter(WmfWriter& out, bool yUp) : m_out(out), m_yUp(yUp) {}
+  WmfEmitter(WmfWriter& out, bool yUp) : m_out(out), m_yUp(yUp), m_firstRecord(out.RecordCount()) {}
 
   void Walk(const MetaPicture& picture, const PictureMap& map, int depth) {
     for (const MetaRecord& r : picture.records) {
@@ -56,6 +57,8 @@ class WmfEmitter {
       Emit(r, map);
     }
   }
+
+  bool DrewAnything() const { return m_out.RecordCount() > m_firstRecord; }
 
   void Close() {
     for (std::optional<uint16_t>* slot : {&m_penSlot, &m_brushSlot, &m_fontSlot}) {
@@ -100,8 +103,9 @@ class WmfEmitter {
     if (m_pen && *m_pen == pen) return;
     m_pen = pen;
     const std::optional<uint16_t> old = m_penSlot;
-    m_penSlot = pen.style == MetaPen::Null ? m_out.CreatePenIndirect(5, 0, 0)
-                                           : m_out.CreatePenIndirect(0, Clamp16(pen.width), pen.color);
+    m_penSlot = pen.style == MetaPen::Null
+                    ? m_out.CreatePenIndirect(5, 0, 0)
+                    : m_out.CreatePenIndirect(0, Clamp16(pen.width), pen.color);
     m_out.SelectObject(*m_penSlot);
     if (old) m_out.DeleteObject(*old);
   }
@@ -136,7 +140,17 @@ class WmfEmitter {
     if (old) m_out.DeleteObject(*old);
   }
 
+  // Text never paints a background. The mode is transparent only around
+  // text, since some readers also let shapes through in that mode.
+  void UseTransparent(bool transparent) {
+    if (m_transparent == transparent) return;
+    m_transparent = transparent;
+    m_out.SetBkMode(transparent ? kTransparent : kOpaque);
+  }
+
   void Emit(const MetaRecord& r, const PictureMap& map) {
+    const bool text = r.kind == MetaRecord::DrawText || r.kind == MetaRecord::ExtTextOut;
+    if (!text) UseTransparent(false);
     if (r.kind == MetaRecord::Polygon || r.kind == MetaRecord::FillRect) {
       MetaPen none;
       none.style = MetaPen::Null;
@@ -177,7 +191,8 @@ class WmfEmitter {
       case MetaRecord::FloodFill:
         if (!p.empty()) {
           const RecordPoint s = Map(map, p[0]);
-          m_out.ExtFloodFill(static_cast<int16_t>(s.x), static_cast<int16_t>(s.y), r.borderColor, 0);
+          m_out.ExtFloodFill(static_cast<int16_t>(s.x), static_cast<int16_t>(s.y), r.borderColor,
+                             0);
         }
         break;
       case MetaRecord::DrawText:
@@ -192,6 +207,7 @@ class WmfEmitter {
   void EmitText(const MetaRecord& r, const PictureMap& map) {
     const std::vector<PlacedLine> lines = LayoutText(r, m_yUp);
     if (lines.empty()) return;
+    UseTransparent(true);
     MetaFont font = r.font;
     font.height = Clamp16(font.height * map.Length());
     UseFont(font);
@@ -219,6 +235,8 @@ class WmfEmitter {
 
   WmfWriter& m_out;
   bool m_yUp;
+  int m_firstRecord;
+  bool m_transparent = false;  // players start opaque
   std::optional<MetaPen> m_pen;
   std::optional<MetaBrush> m_brush;
   std::optional<MetaFont> m_font;
@@ -241,10 +259,22 @@ QByteArray RegularMetafileBytes(const MetaPicture& picture, int unitsPerInch) {
   out.SetMapMode(kAnisotropic);
   out.SetWindowOrg(Clamp16(box.left), Clamp16(box.top));
   out.SetWindowExt(Clamp16(box.right - box.left), Clamp16(box.bottom - box.top));
-  out.SetBkMode(kTransparent);
   out.SetPolyFillMode(kWinding);
   WmfEmitter emitter(out, picture.mapMode == 2 || picture.mapMode == 3);
   emitter.Walk(picture, UnitsMap(picture, unitsPerInch), 0);
+  if (!emitter.DrewAnything()) {
+    // Readers take the size of a picture from what it draws: a picture with
+    // nothing in it gets an invisible rectangle over its bounding box.
+    MetaRecord frame;
+    frame.kind = MetaRecord::FillRect;
+    frame.brush.style = MetaBrush::Null;
+    MetaPicture outline;
+    outline.mapMode = 3;
+    outline.records.push_back(frame);
+    PictureMap boxMap;  // the corners are given in metafile units already
+    outline.records.back().points = {{box.left, box.top}, {box.right, box.bottom}};
+    emitter.Walk(outline, boxMap, 0);
+  }
   emitter.Close();
   return out.Finish();
 }

@@ -186,9 +186,9 @@ std::shared_ptr<MetaPicture> WMF2EMF(const QByteArray& wmf) {
       case WmfFunc::Polyline:
       case WmfFunc::Polygon: {
         const int16_t count = in.I16();
-        if (count < 0 || 8 + 2 + count * 4 > static_cast<int>(words) * 2) return nullptr;
-        MetaRecord& r = add(function == WmfFunc::Polyline ? MetaRecord::Polyline
-                                                          : MetaRecord::Polygon);
+        if (count < 0 || 8 + count * 4 > static_cast<int>(words) * 2) return nullptr;
+        MetaRecord& r =
+            add(function == WmfFunc::Polyline ? MetaRecord::Polyline : MetaRecord::Polygon);
         for (int i = 0; i < count; ++i) {
           const int16_t x = in.I16(), y = in.I16();
           r.points.push_back(s.Point(x, y));

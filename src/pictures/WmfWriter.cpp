@@ -114,11 +114,10 @@ void WmfWriter::SetTextColor(uint32_t color) {
 }
 
 void WmfWriter::Pie(const RecordRect& box, RecordPoint start, RecordPoint end) {
-  Words(WmfFunc::Pie,
-        {static_cast<uint16_t>(end.y), static_cast<uint16_t>(end.x),
-         static_cast<uint16_t>(start.y), static_cast<uint16_t>(start.x),
-         static_cast<uint16_t>(box.bottom), static_cast<uint16_t>(box.right),
-         static_cast<uint16_t>(box.top), static_cast<uint16_t>(box.left)});
+  Words(WmfFunc::Pie, {static_cast<uint16_t>(end.y), static_cast<uint16_t>(end.x),
+                       static_cast<uint16_t>(start.y), static_cast<uint16_t>(start.x),
+                       static_cast<uint16_t>(box.bottom), static_cast<uint16_t>(box.right),
+                       static_cast<uint16_t>(box.top), static_cast<uint16_t>(box.left)});
 }
 
 void WmfWriter::ExtFloodFill(int16_t x, int16_t y, uint32_t color, uint16_t mode) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
 
@@ -15,6 +16,48 @@ void ExpectXmllintAccepts(const QString& path) {
   ASSERT_TRUE(process.waitForFinished(60000));
   EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
   EXPECT_TRUE(process.readAllStandardError().isEmpty());
+}
+
+}  // namespace ombrelle::test
+
+namespace ombrelle::test {
+
+int RunOutsideReader(const QString& program, const QStringList& arguments, QString* output) {
+  const QString path = QStandardPaths::findExecutable(program);
+  if (path.isEmpty()) {
+    ADD_FAILURE() << program.toStdString() << " is not installed (scripts/install-deps.sh test)";
+    return -1;
+  }
+  QProcess process;
+  process.setProcessChannelMode(QProcess::MergedChannels);
+  process.start(path, arguments);
+  if (!process.waitForFinished(120000)) {
+    ADD_FAILURE() << program.toStdString() << " did not finish";
+    return -1;
+  }
+  const QString text = QString::fromLocal8Bit(process.readAll());
+  if (output) *output = text;
+  return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+namespace {
+void ExpectSvgFrom(const QString& program, const QStringList& arguments, const QString& svg) {
+  QFile::remove(svg);
+  QString output;
+  EXPECT_EQ(RunOutsideReader(program, arguments, &output), 0) << output.toStdString();
+  QFile file(svg);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << "no SVG from " << program.toStdString();
+  EXPECT_TRUE(file.readAll().contains("<svg")) << svg.toStdString();
+}
+}  // namespace
+
+void ExpectEmf2SvgAccepts(const QString& emf, const QString& svg) {
+  ExpectSvgFrom(QStringLiteral("emf2svg-conv"),
+                {QStringLiteral("-i"), emf, QStringLiteral("-o"), svg}, svg);
+}
+
+void ExpectWmf2SvgAccepts(const QString& wmf, const QString& svg) {
+  ExpectSvgFrom(QStringLiteral("wmf2svg"), {QStringLiteral("-o"), svg, wmf}, svg);
 }
 
 }  // namespace ombrelle::test

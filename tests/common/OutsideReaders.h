@@ -1,11 +1,28 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace ombrelle::test {
 
 // Asserts that `path` is well-formed XML to an outside reader (xmllint);
 // skips the test when xmllint is not installed.
 void ExpectXmllintAccepts(const QString& path);
+
+}  // namespace ombrelle::test
+
+namespace ombrelle::test {
+
+// Runs an outside reader; fails the test (never skips) when the program is
+// not installed. Returns the exit status, -1 when it could not run.
+int RunOutsideReader(const QString& program, const QStringList& arguments,
+                     QString* output = nullptr);
+
+// Converts an enhanced metafile to SVG with emf2svg-conv (package emf2svg)
+// and expects exit status 0 and an SVG file.
+void ExpectEmf2SvgAccepts(const QString& emf, const QString& svg);
+// Converts a placeable metafile to SVG with wmf2svg (package libwmf-bin)
+// and expects exit status 0 and an SVG file.
+void ExpectWmf2SvgAccepts(const QString& wmf, const QString& svg);
 
 }  // namespace ombrelle::test

@@ -89,7 +89,10 @@ TEST(EmfWriterBytes, EachRecordLayout) {
        "2B000000 18000000 01000000 02000000 03000000 04000000"},
       {"ellipse", [&](EmfWriter& w) { w.Ellipse(box); },
        "2A000000 18000000 01000000 02000000 03000000 04000000"},
-      {"pie", [&](EmfWriter& w) { w.Pie(box, {5, 6}, {7, -8}); },
+      {"pie",
+       [&](EmfWriter& w) {
+         w.Pie(box, {5, 6}, {7, -8});
+       },
        "2F000000 28000000 01000000 02000000 03000000 04000000 05000000 06000000 07000000 "
        "F8FFFFFF"},
       {"flood fill", [](EmfWriter& w) { w.ExtFloodFill(10, -10, 0x000000FF, 0); },
@@ -99,13 +102,22 @@ TEST(EmfWriterBytes, EachRecordLayout) {
       {"extended pen", [](EmfWriter& w) { w.ExtCreatePen(0x10000, 3, 0x000000FF); },
        "5F000000 34000000 01000000 00000000 00000000 00000000 00000000"
        "00000100 03000000 00000000 FF000000 00000000 00000000"},
-      {"polygon", [](EmfWriter& w) { w.Polygon16({{0, 0}, {4, 0}, {0, -4}}); },
+      {"polygon",
+       [](EmfWriter& w) {
+         w.Polygon16({{0, 0}, {4, 0}, {0, -4}});
+       },
        "56000000 28000000 00000000 FCFFFFFF 04000000 00000000 03000000 0000 0000 0400 0000 "
        "0000 FCFF"},
-      {"bezier", [](EmfWriter& w) { w.PolyBezier16({{0, 0}, {1, 1}, {2, 1}, {3, 0}}); },
+      {"bezier",
+       [](EmfWriter& w) {
+         w.PolyBezier16({{0, 0}, {1, 1}, {2, 1}, {3, 0}});
+       },
        "55000000 2C000000 00000000 00000000 03000000 01000000 04000000 0000 0000 0100 0100 "
        "0200 0100 0300 0000"},
-      {"text", [](EmfWriter& w) { w.ExtTextOutW(10, -20, "Ab", 4, {1, 2, 3, 4}, {5, 6}); },
+      {"text",
+       [](EmfWriter& w) {
+         w.ExtTextOutW(10, -20, "Ab", 4, {1, 2, 3, 4}, {5, 6});
+       },
        // bounds from the advances, compatible mode, scales 0, reference point,
        // 2 characters at 76, clipped, rectangle, advances at 80
        "54000000 58000000 0A000000 ECFFFFFF 15000000 ECFFFFFF 01000000 00000000 00000000 "
@@ -181,17 +193,30 @@ TEST(WmfWriterBytes, EachRecordLayout) {
       {"window extent", [](WmfWriter& w) { w.SetWindowExt(8504, 6350); },
        "05000000 0C02 CE18 3821"},
       {"viewport extent", [](WmfWriter& w) { w.SetViewportExt(3, 4); }, "05000000 0E02 0400 0300"},
-      {"text colour", [](WmfWriter& w) { w.SetTextColor(0x00332211); },
-       "05000000 0902 1122 3300"},
-      {"move and line", [](WmfWriter& w) { w.MoveTo(1, 2); w.LineTo(-1, -2); },
+      {"text colour", [](WmfWriter& w) { w.SetTextColor(0x00332211); }, "05000000 0902 1122 3300"},
+      {"move and line",
+       [](WmfWriter& w) {
+         w.MoveTo(1, 2);
+         w.LineTo(-1, -2);
+       },
        "05000000 1402 0200 0100 05000000 1302 FEFF FFFF"},
-      {"polyline", [](WmfWriter& w) { w.Polyline({{1, 2}, {3, 4}}); },
+      {"polyline",
+       [](WmfWriter& w) {
+         w.Polyline({{1, 2}, {3, 4}});
+       },
        "08000000 2503 0200 0100 0200 0300 0400"},
-      {"polygon", [](WmfWriter& w) { w.Polygon({{0, 0}, {5, 0}, {0, 5}}); },
+      {"polygon",
+       [](WmfWriter& w) {
+         w.Polygon({{0, 0}, {5, 0}, {0, 5}});
+       },
        "0A000000 2403 0300 0000 0000 0500 0000 0000 0500"},
-      {"ellipse", [](WmfWriter& w) { w.Ellipse({1, 2, 3, 4}); },
+      {"ellipse",
+       [](WmfWriter& w) {
+         w.Ellipse({1, 2, 3, 4});
+       },
        "07000000 1804 0400 0300 0200 0100"},
-      {"pie: second radial, first radial, box", [](WmfWriter& w) {
+      {"pie: second radial, first radial, box",
+       [](WmfWriter& w) {
          w.Pie({1, 2, 3, 4}, {5, 6}, {7, 8});
        },
        "0B000000 1A08 0800 0700 0600 0500 0400 0300 0200 0100"},
@@ -199,11 +224,13 @@ TEST(WmfWriterBytes, EachRecordLayout) {
        "08000000 4805 0000 FF000000 1400 0A00"},
       {"brush", [](WmfWriter& w) { w.CreateBrushIndirect(0, 0x00FF8000); },
        "07000000 FC02 0000 0080FF00 0000"},
-      {"clipped text, odd length padded", [](WmfWriter& w) {
+      {"clipped text, odd length padded",
+       [](WmfWriter& w) {
          w.ExtTextOut(10, 20, "Abc", 4, {1, 2, 3, 4}, {});
        },
        "0D000000 320A 1400 0A00 0300 0400 0100 0200 0300 0400 416263 00"},
-      {"text with advances, no rectangle", [](WmfWriter& w) {
+      {"text with advances, no rectangle",
+       [](WmfWriter& w) {
          w.ExtTextOut(1, 2, QString::fromUtf8("\u00e9\u03a9"), 0, {}, {7, 8});
        },
        // Windows-1252: e-acute is E9, omega has no byte and becomes "?"
@@ -245,10 +272,10 @@ TEST(PlaceableHeader, FitUnitsHalvesUntilSixteenBitsHold) {
     int32_t frame;
     int expected;
   };
-  for (const Case& c : std::vector<Case>{{15000, 1440},     // 8504
-                                         {100000, 720},     // 56693 -> 28346
-                                         {57798, 1440},     // 32767.37 rounds to 32767
-                                         {57799, 720},      // 32767.94 rounds to 32768
+  for (const Case& c : std::vector<Case>{{15000, 1440},  // 8504
+                                         {100000, 720},  // 56693 -> 28346
+                                         {57798, 1440},  // 32767.37 rounds to 32767
+                                         {57799, 720},   // 32767.94 rounds to 32768
                                          {0, 1440},
                                          {1000000000, 1}}) {  // stops at 1
     EXPECT_EQ(FitUnits(c.frame, 1440), c.expected) << c.frame;
