@@ -47,12 +47,11 @@ QByteArray PlaceableWmfBytes(const MetaPicture& picture, float scale);
 // are not such a metafile.
 std::shared_ptr<MetaPicture> WMF2EMF(const QByteArray& wmf);
 
-// Files, each written to a temporary name and renamed into place. A file
-// that may not be replaced (a folder, a read-only file, a read-only folder)
-// gives "Cannot overwrite file " + file; every failure is one exclamation
-// message and a false result.
+// Files, each written to a temporary name and renamed into place after the
+// overwrite check of the drawing surface ("Cannot overwrite file " + file for
+// a folder or a read-only file); every failure is one exclamation message and
+// a false result.
 bool SaveEMF(const MetaPicture* picture, const QString& file);
 bool SavePlaceableWMF(const MetaPicture* picture, const QString& file, float scale);
-bool CanOverwrite(const QString& file);
 
 }  // namespace ombrelle

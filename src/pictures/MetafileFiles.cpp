@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include "pictures/Metafile.h"
 #include "pictures/MetafileConversions.h"
 #include "support/UiServices.h"
 
@@ -27,19 +28,6 @@ bool WriteReplacing(const QString& file, const QByteArray& bytes, const QString&
 
 }  // namespace
 
-bool CanOverwrite(const QString& file) {
-  const QFileInfo info(file);
-  bool ok = !file.isEmpty();
-  if (ok && info.exists()) {
-    // A folder, a file marked read-only or a folder that cannot take the new
-    // file are left alone, even for a user the system would let through.
-    ok = !info.isDir() && (QFile::permissions(file) & QFileDevice::WriteOwner) &&
-         QFileInfo(info.absolutePath()).isWritable();
-  }
-  if (!ok) Warn(QStringLiteral("Cannot overwrite file ") + file);
-  return ok;
-}
-
 bool SaveEMF(const MetaPicture* picture, const QString& file) {
   if (!picture) {
     // There are no recording's bytes to fetch: 6 is the platform's number for
@@ -48,7 +36,7 @@ bool SaveEMF(const MetaPicture* picture, const QString& file) {
     return false;
   }
   const QByteArray bytes = EmfBytes(*picture);
-  if (!CanOverwrite(file)) return false;
+  if (!Metafile::CanOverwrite(file)) return false;
   return WriteReplacing(file, bytes, QStringLiteral("Metafile.SaveEMF"));
 }
 
@@ -58,8 +46,20 @@ bool SavePlaceableWMF(const MetaPicture* picture, const QString& file, float sca
     return false;
   }
   const QByteArray bytes = PlaceableWmfBytes(*picture, scale);
-  if (!CanOverwrite(file)) return false;
+  if (!Metafile::CanOverwrite(file)) return false;
   return WriteReplacing(file, bytes, QStringLiteral("EMF2WMF.SavePlaceableWMF"));
+}
+
+}  // namespace ombrelle
+
+namespace ombrelle {
+
+bool Metafile::SaveEMF(const QString& file) {
+  return ombrelle::SaveEMF(IsReady() ? Picture() : nullptr, file);
+}
+
+bool Metafile::SavePlaceableWMF(const QString& file, float scale, int /*option*/) {
+  return ombrelle::SavePlaceableWMF(IsReady() ? Picture() : nullptr, file, scale);
 }
 
 }  // namespace ombrelle

@@ -6,24 +6,27 @@
 #include <QStringList>
 
 #include "pictures/MetaRecord.h"
+#include "pictures/TextMeasure.h"
 
 namespace ombrelle {
 
-// Text measured the way the metafile writers lay it out: the font's face at a
-// pixel size of |height| logical units, unhinted, so the result is the same
-// on every screen.
+// Text laid out for the metafile writers with the measurements the player
+// uses, so that a saved picture places its lines as the screen does.
 class PictureText {
  public:
-  explicit PictureText(const MetaFont& font);
-  double LineHeight() const;
-  // Advance of each UTF-16 unit of `line`, rounded so that the sum stays
-  // within half a unit of the line's width.
+  PictureText(const MetaFont& font, int mapMode) : m_measure(font, mapMode) {}
+  double LineHeight() const { return m_measure.LineHeight(); }
+  // Advance of each UTF-16 unit of `line` in logical units; they add up to
+  // the line's width.
   std::vector<int> Advances(const QString& line) const;
   // Lines of a text cut at CR LF.
-  static QStringList Lines(const QString& text);
+  static QStringList Lines(const QString& text) { return text.split(QStringLiteral("\r\n")); }
+  // The height a font record stores: a height of 0 (the default size of
+  // 8 points) written out in logical units.
+  static int StoredHeight(const MetaFont& font, int mapMode);
 
  private:
-  MetaFont m_font;
+  TextMeasure m_measure;
 };
 
 }  // namespace ombrelle

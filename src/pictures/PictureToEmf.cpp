@@ -50,7 +50,7 @@ Extents PictureExtents(const MetaPicture& picture) {
 // so that each is created, selected and deleted once per change.
 class EmfEmitter {
  public:
-  explicit EmfEmitter(EmfWriter& out, bool yUp) : m_out(out), m_yUp(yUp) {}
+  explicit EmfEmitter(EmfWriter& out, int mapMode) : m_out(out), m_mode(mapMode) {}
 
   void Walk(const MetaPicture& picture, const PictureMap& map, int depth) {
     for (const MetaRecord& r : picture.records) {
@@ -211,13 +211,13 @@ class EmfEmitter {
   }
 
   void EmitText(const MetaRecord& r, const PictureMap& map) {
-    const std::vector<PlacedLine> lines = LayoutText(r, m_yUp);
+    const std::vector<PlacedLine> lines = LayoutText(r, m_mode);
     if (lines.empty()) return;
     MetaFont font = r.font;
-    font.height = RoundEven(font.height * map.Length());
+    font.height = RoundEven(PictureText::StoredHeight(font, m_mode) * map.Length());
     UseFont(font);
     UseTextColor(r.textColor);
-    const PictureText measure(font);
+    const PictureText measure(font, m_mode);
     for (const PlacedLine& line : lines) {
       UseAlign(line.align);
       const RecordPoint at = Map(map, line.anchor);
@@ -233,7 +233,7 @@ class EmfEmitter {
   }
 
   EmfWriter& m_out;
-  bool m_yUp;
+  int m_mode;
   std::optional<MetaPen> m_pen;
   std::optional<MetaBrush> m_brush;
   std::optional<MetaFont> m_font;
@@ -254,7 +254,7 @@ QByteArray EmfBytes(const MetaPicture& picture) {
   out.SetViewportExtEx(e.pixelsX, e.pixelsY);
   out.SetBkMode(kTransparent);
   out.SetPolyFillMode(kWinding);
-  EmfEmitter emitter(out, picture.mapMode == 2 || picture.mapMode == 3);
+  EmfEmitter emitter(out, picture.mapMode);
   emitter.Walk(picture, PictureMap{}, 0);
   emitter.Close();
 

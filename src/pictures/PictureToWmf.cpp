@@ -46,7 +46,8 @@ RecordRect BoundingBox(const MetaPicture& picture, int units) {
 
 class WmfEmitter {
  public:
-  WmfEmitter(WmfWriter& out, bool yUp) : m_out(out), m_yUp(yUp), m_firstRecord(out.RecordCount()) {}
+  WmfEmitter(WmfWriter& out, int mapMode)
+      : m_out(out), m_mode(mapMode), m_firstRecord(out.RecordCount()) {}
 
   void Walk(const MetaPicture& picture, const PictureMap& map, int depth) {
     for (const MetaRecord& r : picture.records) {
@@ -205,11 +206,11 @@ class WmfEmitter {
   }
 
   void EmitText(const MetaRecord& r, const PictureMap& map) {
-    const std::vector<PlacedLine> lines = LayoutText(r, m_yUp);
+    const std::vector<PlacedLine> lines = LayoutText(r, m_mode);
     if (lines.empty()) return;
     UseTransparent(true);
     MetaFont font = r.font;
-    font.height = Clamp16(font.height * map.Length());
+    font.height = Clamp16(PictureText::StoredHeight(font, m_mode) * map.Length());
     UseFont(font);
     if (!m_textColor || *m_textColor != r.textColor) {
       m_textColor = r.textColor;
@@ -234,7 +235,7 @@ class WmfEmitter {
   }
 
   WmfWriter& m_out;
-  bool m_yUp;
+  int m_mode;
   int m_firstRecord;
   bool m_transparent = false;  // players start opaque
   std::optional<MetaPen> m_pen;
@@ -260,7 +261,7 @@ QByteArray RegularMetafileBytes(const MetaPicture& picture, int unitsPerInch) {
   out.SetWindowOrg(Clamp16(box.left), Clamp16(box.top));
   out.SetWindowExt(Clamp16(box.right - box.left), Clamp16(box.bottom - box.top));
   out.SetPolyFillMode(kWinding);
-  WmfEmitter emitter(out, picture.mapMode == 2 || picture.mapMode == 3);
+  WmfEmitter emitter(out, picture.mapMode);
   emitter.Walk(picture, UnitsMap(picture, unitsPerInch), 0);
   if (!emitter.DrewAnything()) {
     // Readers take the size of a picture from what it draws: a picture with

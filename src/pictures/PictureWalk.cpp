@@ -2,7 +2,8 @@
 
 namespace ombrelle {
 
-std::vector<PlacedLine> LayoutText(const MetaRecord& record, bool yUp) {
+std::vector<PlacedLine> LayoutText(const MetaRecord& record, int mapMode) {
+  const bool yUp = mapMode == 2 || mapMode == 3;
   std::vector<PlacedLine> lines;
   if (record.kind == MetaRecord::ExtTextOut) {
     if (record.points.empty()) return lines;
@@ -23,7 +24,7 @@ std::vector<PlacedLine> LayoutText(const MetaRecord& record, bool yUp) {
   if (record.kind != MetaRecord::DrawText || record.points.size() < 2) return lines;
   const QPointF a = record.points[0];
   const QPointF b = record.points[1];
-  const double height = PictureText(record.font).LineHeight();
+  const double height = PictureText(record.font, mapMode).LineHeight();
   double x = a.x();
   uint32_t align = 0;
   if (record.flags & 0x1) {

@@ -36,8 +36,8 @@ struct PlacedLine {
 
 // The lines of a DrawText or ExtTextOut record. DrawText lines are stacked
 // down the page from the top edge, one line height apart; `yUp` tells the
-// direction of y in the recording's map mode.
-std::vector<PlacedLine> LayoutText(const MetaRecord& record, bool yUp);
+// direction of y follows the recording's map mode.
+std::vector<PlacedLine> LayoutText(const MetaRecord& record, int mapMode);
 
 // The map that plays `inner` (its frame in logical units, PlayRect) into the
 // rectangle of a Picture record.
