@@ -46,20 +46,25 @@ RecordRect BoundingBox(const MetaPicture& picture, int units) {
 
 class WmfEmitter {
  public:
-  WmfEmitter(WmfWriter& out, int mapMode)
-      : m_out(out), m_mode(mapMode), m_firstRecord(out.RecordCount()) {}
+  WmfEmitter(WmfWriter& out, int mapMode) : m_out(out), m_mode(mapMode) {}
 
-  void Walk(const MetaPicture& picture, const PictureMap& map, int depth) {
+  // `frame`: the one record is the invisible frame, written as a rectangle.
+  void Walk(const MetaPicture& picture, const PictureMap& map, int depth, bool frame = false) {
     for (const MetaRecord& r : picture.records) {
       if (r.kind == MetaRecord::Picture) {
         if (r.picture && depth < 8) Walk(*r.picture, NestedMap(*r.picture, r).Then(map), depth + 1);
         continue;
       }
+      if (frame) {
+        UseTransparent(false);
+        UsePen(r.pen);
+        UseBrush(r.brush);
+        m_out.Rectangle(Box(map, r.points[0], r.points[1]));
+        continue;
+      }
       Emit(r, map);
     }
   }
-
-  bool DrewAnything() const { return m_out.RecordCount() > m_firstRecord; }
 
   void Close() {
     for (std::optional<uint16_t>* slot : {&m_penSlot, &m_brushSlot, &m_fontSlot}) {
@@ -236,7 +241,6 @@ class WmfEmitter {
 
   WmfWriter& m_out;
   int m_mode;
-  int m_firstRecord;
   bool m_transparent = false;  // players start opaque
   std::optional<MetaPen> m_pen;
   std::optional<MetaBrush> m_brush;
@@ -262,20 +266,18 @@ QByteArray RegularMetafileBytes(const MetaPicture& picture, int unitsPerInch) {
   out.SetWindowExt(Clamp16(box.right - box.left), Clamp16(box.bottom - box.top));
   out.SetPolyFillMode(kWinding);
   WmfEmitter emitter(out, picture.mapMode);
+  // Some readers size a picture by what it draws: an invisible rectangle
+  // (no pen, no brush) over the bounding box comes first, so that the frame
+  // and not the drawing decides the size.
+  MetaRecord frame;
+  frame.kind = MetaRecord::Ellipse;  // drawn with pen and brush, both empty
+  frame.pen.style = MetaPen::Null;
+  frame.brush.style = MetaBrush::Null;
+  frame.points = {{box.left, box.top}, {box.right, box.bottom}};
+  MetaPicture outline;
+  outline.records.push_back(frame);
+  emitter.Walk(outline, PictureMap{}, 0, true);
   emitter.Walk(picture, UnitsMap(picture, unitsPerInch), 0);
-  if (!emitter.DrewAnything()) {
-    // Readers take the size of a picture from what it draws: a picture with
-    // nothing in it gets an invisible rectangle over its bounding box.
-    MetaRecord frame;
-    frame.kind = MetaRecord::FillRect;
-    frame.brush.style = MetaBrush::Null;
-    MetaPicture outline;
-    outline.mapMode = 3;
-    outline.records.push_back(frame);
-    PictureMap boxMap;  // the corners are given in metafile units already
-    outline.records.back().points = {{box.left, box.top}, {box.right, box.bottom}};
-    emitter.Walk(outline, boxMap, 0);
-  }
   emitter.Close();
   return out.Finish();
 }

@@ -69,6 +69,7 @@ std::shared_ptr<MetaPicture> WMF2EMF(const QByteArray& wmf) {
   int pos = start + kWmfHeaderSize;
   const int end = start + static_cast<int>(totalWords) * 2;
   bool sawWindow = false;
+  bool sawDrawing = false;
   while (pos + 6 <= end) {
     in.Seek(pos);
     const uint32_t words = in.U32();
@@ -76,6 +77,7 @@ std::shared_ptr<MetaPicture> WMF2EMF(const QByteArray& wmf) {
     if (words < 3 || static_cast<qint64>(pos) + words * 2LL > end) return nullptr;
     const int next = pos + static_cast<int>(words) * 2;
     auto add = [&](MetaRecord::Kind kind) -> MetaRecord& {
+      sawDrawing = true;
       MetaRecord& r = picture->records.emplace_back();
       r.kind = kind;
       if (UsesPen(kind)) r.pen = s.pen;
@@ -195,9 +197,18 @@ std::shared_ptr<MetaPicture> WMF2EMF(const QByteArray& wmf) {
         }
         break;
       }
-      case WmfFunc::Rectangle:
-        readBox(add(MetaRecord::FillRect));
+      case WmfFunc::Rectangle: {
+        const int16_t bottom = in.I16(), right = in.I16(), top = in.I16(), left = in.I16();
+        // The invisible frame the writer puts first is not part of the picture.
+        const bool frame = !sawDrawing && s.brush.style == MetaBrush::Null &&
+                           s.pen.style == MetaPen::Null &&
+                           RecordRect{left, top, right, bottom} == box;
+        sawDrawing = true;
+        if (frame) break;
+        MetaRecord& r = add(MetaRecord::FillRect);
+        r.points = {s.Point(left, top), s.Point(right, bottom)};
         break;
+      }
       case WmfFunc::Ellipse:
         readBox(add(MetaRecord::Ellipse));
         break;

@@ -68,7 +68,7 @@ std::shared_ptr<MetaPicture> RichPicture(const QString& description, int widthMm
 
   add(Make(MetaRecord::Polyline,
            {{1200, -80}, {1400, -80}, {1400, -300}, {1200, -300}, {1200, -80}}))
-      .pen = Pen(0, 3);
+      .pen = Pen(0, 12);
   MetaRecord& fill = add(Make(MetaRecord::FloodFill, {{1300, -190}}));
   fill.brush = Brush(0x00FFFF00);
   fill.borderColor = 0;
