@@ -33,6 +33,10 @@ QString EMFDescription(const QByteArray& emf);
 // `unitsPerInch` (as `FitUnits` gives them for the frame).
 QByteArray RegularMetafileBytes(const MetaPicture& picture, int unitsPerInch);
 
+// The 16-bit copy of a recording (map mode 8) in the units its frame fits:
+// what the placeable file holds behind its header.
+QByteArray CloneRegularMetafile(const MetaPicture& picture);
+
 // Units per inch of the 16-bit form of `picture`: FitUnits over the frame's
 // left, top, right and bottom in turn, from 1440.
 int PictureUnitsPerInch(const MetaPicture& picture);

@@ -282,6 +282,10 @@ QByteArray RegularMetafileBytes(const MetaPicture& picture, int unitsPerInch) {
   return out.Finish();
 }
 
+QByteArray CloneRegularMetafile(const MetaPicture& picture) {
+  return RegularMetafileBytes(picture, PictureUnitsPerInch(picture));
+}
+
 QByteArray PlaceableWmfBytes(const MetaPicture& picture, float scale) {
   const int units = PictureUnitsPerInch(picture);
   const double stated = scale > 0 ? units / double(scale) : units;

@@ -105,6 +105,7 @@ TEST(MetafileConversions, PlaceableHeaderOf150By112Millimetres) {
   const QByteArray wmf = PlaceableWmfBytes(*RichPicture("x"), 1);
   EXPECT_EQ(wmf.left(22).toHex(' '),
             QByteArray::fromHex("D7CDC69A 0000 0000 0000 3821 CE18 A005 00000000 476B").toHex(' '));
+  EXPECT_EQ(wmf.mid(22), CloneRegularMetafile(*RichPicture("x")));
   // The 16-bit header: total size in words matches the file after the placeable header.
   LittleEndianReader in(wmf, 22 + 6);
   EXPECT_EQ(in.U32() * 2, static_cast<uint32_t>(wmf.size() - 22));
