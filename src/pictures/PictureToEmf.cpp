@@ -1,4 +1,5 @@
 // The enhanced metafile form of a recording.
+#include <algorithm>
 #include <optional>
 
 #include "pictures/EmfWriter.h"
@@ -85,9 +86,14 @@ class EmfEmitter {
     for (const QPoint& p : points) out.push_back(Map(map, p));
     return out;
   }
+  // Boxes are stored with left < right and top above bottom on the page, as
+  // players normalise them; some readers draw nothing for an inverted box.
   RecordRect Box(const PictureMap& map, QPoint a, QPoint b) const {
     const RecordPoint p = Map(map, a), q = Map(map, b);
-    return {p.x, p.y, q.x, q.y};
+    const bool yUp = m_mode == 2 || m_mode == 3;
+    const int top = yUp ? std::max(p.y, q.y) : std::min(p.y, q.y);
+    const int bottom = yUp ? std::min(p.y, q.y) : std::max(p.y, q.y);
+    return {std::min(p.x, q.x), top, std::max(p.x, q.x), bottom};
   }
 
   void UsePen(MetaPen pen) {

@@ -82,9 +82,11 @@ class WmfEmitter {
     for (const QPoint& p : points) out.push_back(Map(map, p));
     return out;
   }
+  // Boxes are stored with left < right and top < bottom, as players
+  // normalise them; some readers draw nothing for an inverted box.
   RecordRect Box(const PictureMap& map, QPoint a, QPoint b) const {
     const RecordPoint p = Map(map, a), q = Map(map, b);
-    return {p.x, p.y, q.x, q.y};
+    return {std::min(p.x, q.x), std::min(p.y, q.y), std::max(p.x, q.x), std::max(p.y, q.y)};
   }
 
   // The format has no curves: each cubic segment becomes a chain of

@@ -41,7 +41,9 @@ ReaderImages RenderThroughReaders(const MetaPicture& picture, const QString& bas
   // reads as black; open lines are given no fill before drawing it.
   QFile wmfSvg(base + "-wmf.svg");
   if (wmfSvg.open(QIODevice::ReadOnly)) {
-    QByteArray text = wmfSvg.readAll();
+    // It also copies the text's 8-bit characters into the SVG as they are,
+    // which is not UTF-8 once a text has an accent.
+    QByteArray text = QString::fromLatin1(wmfSvg.readAll()).toUtf8();
     text.replace("style=\"stroke-width", "style=\"fill:none; stroke-width");
     QSvgRenderer wmf(text);
     if (wmf.isValid()) {
