@@ -9,3 +9,15 @@ namespace ombrelle::test {
 void ExpectXmllintAccepts(const QString& path);
 
 }  // namespace ombrelle::test
+
+class QImage;
+
+namespace ombrelle::test {
+
+// The pixels of a BMP file as decoded by ImageMagick (`convert`) and by
+// netpbm (`bmptopnm`), as 32-bit colours; a null image and a test failure
+// when the reader refuses the file or is not installed.
+QImage DecodeWithImageMagick(const QString& path);
+QImage DecodeWithBmptopnm(const QString& path);
+
+}  // namespace ombrelle::test
