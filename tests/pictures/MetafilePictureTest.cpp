@@ -146,3 +146,34 @@ TEST(MetafilePrint, OnePagePdfWithThePictureCentredAtTheTop) {
 
 }  // namespace
 }  // namespace ombrelle
+
+namespace ombrelle {
+namespace {
+
+TEST(MetafilePrint, NoPrinterGivesItsMessage) {
+  ScopedScriptedUi ui;
+  Metafile meta;
+  meta.Create(10, 10);
+  meta.Ready();
+  EXPECT_FALSE(meta.PrintOut());
+  EXPECT_ONLY_UI_MESSAGE(ui.ui, "Failed to start print job", MsgStyle::Exclamation);
+}
+
+TEST(MetafilePictures, FloodFillStopsAtTheBorderColour) {
+  Metafile meta;
+  meta.Create(20, 20);
+  meta.SetLineProperties(3, 0x0000FF);
+  meta.DrawBox(20, -20, 120, -120, std::nullopt, true);
+  meta.Fill(70, -70, 0x00FF00, 0x0000FF);
+  meta.Ready();
+  EXPECT_EQ(meta.Records().back().kind, MetaRecord::FloodFill);
+  auto bitmap = meta.MakeBitmap(200, 200, 24, false);
+  ASSERT_TRUE(bitmap);
+  EXPECT_EQ(bitmap->PixelColor(70, 70), qRgb(0, 255, 0));
+  EXPECT_EQ(bitmap->PixelColor(30, 30), qRgb(0, 255, 0));
+  EXPECT_EQ(bitmap->PixelColor(5, 5), qRgb(255, 255, 255));  // outside the border
+  EXPECT_EQ(bitmap->PixelColor(150, 150), qRgb(255, 255, 255));
+}
+
+}  // namespace
+}  // namespace ombrelle
