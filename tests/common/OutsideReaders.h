@@ -24,5 +24,16 @@ void ExpectEmf2SvgAccepts(const QString& emf, const QString& svg);
 // Converts a placeable metafile to SVG with wmf2svg (package libwmf-bin)
 // and expects exit status 0 and an SVG file.
 void ExpectWmf2SvgAccepts(const QString& wmf, const QString& svg);
+}  // namespace ombrelle::test
+
+class QImage;
+
+namespace ombrelle::test {
+
+// The pixels of a BMP file as decoded by ImageMagick (`convert`) and by
+// netpbm (`bmptopnm`), as 32-bit colours; a null image and a test failure
+// when the reader refuses the file or is not installed.
+QImage DecodeWithImageMagick(const QString& path);
+QImage DecodeWithBmptopnm(const QString& path);
 
 }  // namespace ombrelle::test
