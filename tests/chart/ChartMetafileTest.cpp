@@ -115,7 +115,9 @@ TEST(ChartMetafiles, TenKindsReadAndDrawnAlike) {
     // past the top of the frame shrink the whole picture (0.15).
     EXPECT_LT(emf, 0.06);
     const bool wmfComparable = k != 1 && k != 3 && k != 9;
-    if (wmfComparable) EXPECT_LT(wmf, 0.04);
+    if (wmfComparable) {
+      EXPECT_LT(wmf, 0.04);
+    }
     // A WMF read back and saved again gives the same bytes.
     const QByteArray wmfBytes = PlaceableWmfBytes(*picture, 1);
     const auto back = WMF2EMF(wmfBytes);
