@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -35,5 +36,14 @@ namespace ombrelle::test {
 // when the reader refuses the file or is not installed.
 QImage DecodeWithImageMagick(const QString& path);
 QImage DecodeWithBmptopnm(const QString& path);
+
+// Asserts that `path` parses as HTML to xmllint (--html --noout) without a
+// single complaint; skips the test when xmllint is not installed.
+void ExpectXmllintHtmlAccepts(const QString& path);
+
+// The rows Python's csv module reads from `path` (bytes decoded as
+// `encoding`, fields split at `delimiter`); skips when python3 is missing.
+QList<QStringList> PythonCsvRows(const QString& path, const QString& delimiter,
+                                 const QString& encoding);
 
 }  // namespace ombrelle::test
