@@ -8,6 +8,8 @@ packages=(cmake ninja-build g++ qt6-base-dev qt6-base-dev-tools libgl-dev
 if [ "${1:-build}" = test ]; then
   # Outside readers that check what the program writes.
   packages+=(imagemagick libxml2-utils xvfb xauth)
+  # Metafile readers, their fonts, and the SVG renderer the metafile tests use.
+  packages+=(emf2svg libwmf-bin fonts-urw-base35 gsfonts qt6-svg-dev)
   # libFuzzer and its sanitizer runtimes for the fuzz targets.
   packages+=(clang-14 libclang-rt-14-dev)
 fi

@@ -8,6 +8,7 @@
 #include "pictures/Bitmap.h"
 #include "pictures/MetaPlayer.h"
 #include "pictures/Metafile.h"
+#include "pictures/MetafileConversions.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
@@ -177,7 +178,7 @@ bool Metafile::CopyToClipboard(int bitmapWidth, int bitmapHeight) {
     Complain(where + QStringLiteral("Call to MakeBitmap failed."));
     return false;
   }
-  const QByteArray emf;  // the EMF writer supplies the picture's bytes here
+  const QByteArray emf = EmfBytes(*Picture());
   Ui().SetClipboardPicture(bitmap->ToRgb32(), emf);
   return true;
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -22,6 +24,97 @@ void ExpectXmllintAccepts(const QString& path) {
 }  // namespace ombrelle::test
 
 namespace ombrelle::test {
+
+int RunOutsideReader(const QString& program, const QStringList& arguments, QString* output) {
+  const QString path = QStandardPaths::findExecutable(program);
+  if (path.isEmpty()) {
+    ADD_FAILURE() << program.toStdString() << " is not installed (scripts/install-deps.sh test)";
+    return -1;
+  }
+  QProcess process;
+  process.setProcessChannelMode(QProcess::MergedChannels);
+  process.start(path, arguments);
+  if (!process.waitForFinished(120000)) {
+    ADD_FAILURE() << program.toStdString() << " did not finish";
+    return -1;
+  }
+  const QString text = QString::fromLocal8Bit(process.readAll());
+  if (output) *output = text;
+  return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+namespace {
+void ExpectSvgFrom(const QString& program, const QStringList& arguments, const QString& svg) {
+  QFile::remove(svg);
+  QString output;
+  EXPECT_EQ(RunOutsideReader(program, arguments, &output), 0) << output.toStdString();
+  QFile file(svg);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << "no SVG from " << program.toStdString();
+  EXPECT_TRUE(file.readAll().contains("<svg")) << svg.toStdString();
+}
+}  // namespace
+
+void ExpectEmf2SvgAccepts(const QString& emf, const QString& svg) {
+  ExpectSvgFrom(QStringLiteral("emf2svg-conv"),
+                {QStringLiteral("-i"), emf, QStringLiteral("-o"), svg}, svg);
+}
+
+void ExpectWmf2SvgAccepts(const QString& wmf, const QString& svg) {
+  ExpectSvgFrom(QStringLiteral("wmf2svg"), {QStringLiteral("-o"), svg, wmf}, svg);
+}
+
+}  // namespace ombrelle::test
+
+#include <QImage>
+
+namespace ombrelle::test {
+
+namespace {
+
+// Runs `program` with `arguments`, feeding `input`; the standard output, or
+// an empty array and a test failure.
+QByteArray RunReader(const QString& program, const QStringList& arguments,
+                     const QByteArray& input = {}) {
+  const QString path = QStandardPaths::findExecutable(program);
+  if (path.isEmpty()) {
+    ADD_FAILURE() << program.toStdString() << " is not installed (scripts/install-deps.sh test)";
+    return {};
+  }
+  QProcess process;
+  process.start(path, arguments);
+  if (!input.isEmpty()) process.write(input);
+  process.closeWriteChannel();
+  if (!process.waitForFinished(60000) || process.exitCode() != 0) {
+    ADD_FAILURE() << program.toStdString()
+                  << " failed: " << process.readAllStandardError().toStdString();
+    return {};
+  }
+  return process.readAllStandardOutput();
+}
+
+// A binary PPM (P6, maxval 255) as an image.
+QImage FromPpm(const QByteArray& ppm) {
+  QImage image;
+  if (!image.loadFromData(ppm, "PPM")) ADD_FAILURE() << "not a PPM image";
+  return image.convertToFormat(QImage::Format_RGB32);
+}
+
+}  // namespace
+
+QImage DecodeWithImageMagick(const QString& path) {
+  const QByteArray ppm =
+      RunReader(QStringLiteral("convert"),
+                {QStringLiteral("-regard-warnings"), path, QStringLiteral("-depth"),
+                 QStringLiteral("8"), QStringLiteral("ppm:-")});
+  return ppm.isEmpty() ? QImage() : FromPpm(ppm);
+}
+
+QImage DecodeWithBmptopnm(const QString& path) {
+  const QByteArray pnm = RunReader(QStringLiteral("bmptopnm"), {path});
+  if (pnm.isEmpty()) return {};
+  const QByteArray ppm = RunReader(QStringLiteral("ppmtoppm"), {}, pnm);
+  return ppm.isEmpty() ? QImage() : FromPpm(ppm);
+}
 
 void ExpectXmllintHtmlAccepts(const QString& path) {
   const QString xmllint = QStandardPaths::findExecutable(QStringLiteral("xmllint"));

@@ -14,6 +14,29 @@ void ExpectXmllintAccepts(const QString& path);
 
 namespace ombrelle::test {
 
+// Runs an outside reader; fails the test (never skips) when the program is
+// not installed. Returns the exit status, -1 when it could not run.
+int RunOutsideReader(const QString& program, const QStringList& arguments,
+                     QString* output = nullptr);
+
+// Converts an enhanced metafile to SVG with emf2svg-conv (package emf2svg)
+// and expects exit status 0 and an SVG file.
+void ExpectEmf2SvgAccepts(const QString& emf, const QString& svg);
+// Converts a placeable metafile to SVG with wmf2svg (package libwmf-bin)
+// and expects exit status 0 and an SVG file.
+void ExpectWmf2SvgAccepts(const QString& wmf, const QString& svg);
+}  // namespace ombrelle::test
+
+class QImage;
+
+namespace ombrelle::test {
+
+// The pixels of a BMP file as decoded by ImageMagick (`convert`) and by
+// netpbm (`bmptopnm`), as 32-bit colours; a null image and a test failure
+// when the reader refuses the file or is not installed.
+QImage DecodeWithImageMagick(const QString& path);
+QImage DecodeWithBmptopnm(const QString& path);
+
 // Asserts that `path` parses as HTML to xmllint (--html --noout) without a
 // single complaint; skips the test when xmllint is not installed.
 void ExpectXmllintHtmlAccepts(const QString& path);
