@@ -4,6 +4,8 @@
 #include "core/MetricReadTestSupport.h"
 #include "reports/English.h"
 #include "reports/MetricRetriever.h"
+#include "reports/StatusReport.h"
+#include "support/Filename.h"
 
 namespace ombrelle {
 namespace {
@@ -38,12 +40,28 @@ class MetricRetrieverTest : public test::AccessTest {
   void SetUp() override {
     AccessTest::SetUp();
     const QString folder = Folder("db");
-    SaveSpec first = test::ProjectSave("First", "p.vbp", 46000, {{1008, 1234}});
+    SaveSpec first = test::ProjectSave("First & <best>", "p.vbp", 46000,
+                                       {{1008, 12345},
+                                        {1002, 10000},
+                                        {1009, 8000},
+                                        {1010, 2000},
+                                        {1011, 2345},
+                                        {1015, 1500},
+                                        {1100, 9000},
+                                        {1201, 4},
+                                        {1200, 3}});
     first.classes.push_back(
-        SaveClass{1, {"a.bas", "b.bas", "c.bas"}, {{2021, {0.1, 0.2, 0.3}}, {2034, {3, 51, 60}}}});
+        SaveClass{1,
+                  {"a.bas", "b.bas", "c.bas"},
+                  {{2021, {0.1, 0.2, 0.3}}, {2034, {3, 51, 60}}, {2001, {100, 1200, 300}}}});
     first.classes.push_back(SaveClass{2, {"C1", "C2"}, {{3213, {0, 2}}}});
-    first.classes.push_back(
-        SaveClass{3, {"a.P1", "a.P2", "a.P3", "a.P4"}, {{4120, {1, 5, 25, 60}}}});
+    first.classes.push_back(SaveClass{3,
+                                      {"a.P1", "a.P2", "a.P3", "a.P4"},
+                                      {{4120, {1, 5, 25, 60}},
+                                       {4020, {0, 3, 0, 1}},
+                                       {4140, {1, 2, 7, 3}},
+                                       {4001, {10, 70, 20, 100}},
+                                       {4030, {0, 6, 2, 1}}}});
     SaveSpec second = test::ProjectSave("Second", "p.vbp", 46100, {{1008, 2000}});
     second.classes.push_back(SaveClass{1, {"a.bas"}, {{2021, {0.5}}, {2034, {1}}}});
     second.classes.push_back(SaveClass{3, {"a.P1", "a.P2", "a.P3"}, {{4120, {12, 13, 30}}}});
@@ -124,7 +142,7 @@ TEST_F(MetricRetrieverTest, MissingMetricReadsNotAvailable) {
 
   MetricRetriever compared;
   ASSERT_TRUE(compared.Initialize(m_first, m_second));
-  EXPECT_EQ(compared.GetValue(1008), "1,234 <SPAN CLASS=\"alt\">[2,000]</SPAN>");
+  EXPECT_EQ(compared.GetValue(1008), "12,345 <SPAN CLASS=\"alt\">[2,000]</SPAN>");
   EXPECT_EQ(compared.GetValue(3213, 1), "1 <SPAN CLASS=\"alt\">[N/A]</SPAN>");
 }
 
@@ -133,6 +151,37 @@ TEST_F(MetricRetrieverTest, InitializeFailsOnAMissingDatabase) {
   EXPECT_FALSE(retriever.Initialize(99, 0));
   EXPECT_FALSE(retriever.Initialize(m_first, 99));
   EXPECT_EQ(retriever.GetValue(1008), "N/A");
+}
+
+// Pictures stand in by name, so the text can be compared whole.
+class NamedPictures : public StatusPictures {
+ public:
+  QString LinesCompare(MetricRead&, MetricRead&) override { return "StatusLOC.bmp"; }
+  QString LinesPie(MetricRead&, int number) override {
+    return number == 1 ? QStringLiteral("StatusPie1.bmp") : QString();
+  }
+  QString Histogram(const MetricRetriever&, MetricId metric) override {
+    return metric == 4001 ? QStringLiteral("<IMG SRC=\"4001Histogram.bmp\" />") : QString();
+  }
+};
+
+TEST_F(MetricRetrieverTest, StatusReportBodyAloneAndCompared) {
+  for (const bool compare : {false, true}) {
+    MetricRetriever retriever;
+    ASSERT_TRUE(retriever.Initialize(m_first, compare ? m_second : 0));
+    NamedPictures pictures;
+    const QString body =
+        StatusReportBody(retriever, pictures, "First &amp; &lt;best&gt;", compare ? "Second" : "");
+    const QString golden = JoinPath(
+        OMBRELLE_TEST_DATA, compare ? "reports/status-compared.html" : "reports/status-alone.html");
+    QFile file(golden);
+    if (qEnvironmentVariableIsSet("OMBRELLE_WRITE_GOLDEN") && file.open(QIODevice::WriteOnly)) {
+      file.write(body.toUtf8());
+      file.close();
+    }
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << golden.toStdString();
+    EXPECT_EQ(body.toStdString(), QString::fromUtf8(file.readAll()).toStdString());
+  }
 }
 
 }  // namespace
