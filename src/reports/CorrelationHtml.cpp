@@ -1,22 +1,12 @@
 #include "reports/CorrelationHtml.h"
 
+#include "reports/ReportFrame.h"
+
 namespace ombrelle {
 
-namespace {
-
-QString Escaped(QString text) {
-  text.replace(QLatin1Char('&'), QStringLiteral("&amp;"));
-  text.replace(QLatin1Char('<'), QStringLiteral("&lt;"));
-  text.replace(QLatin1Char('>'), QStringLiteral("&gt;"));
-  text.replace(QLatin1Char('"'), QStringLiteral("&quot;"));
-  text.replace(QChar(160), QStringLiteral("&#160;"));
-  return text;
-}
-
-}  // namespace
-
 QString CorrelationMatrixHtml(const QString& matrix) {
-  QString text = Escaped(matrix);
+  QString text = matrix;
+  EscapeHTML(text);
   if (text.endsWith(QStringLiteral("\r\n"))) text.chop(2);
   text.replace(QLatin1Char('\t'), QStringLiteral("</TD><TD>"));
   text.replace(QStringLiteral("\r\n"), QStringLiteral("</TD></TR>\r\n<TR><TD CLASS=\"head\">"));
@@ -28,7 +18,8 @@ QString CorrelationMatrixHtml(const QString& matrix) {
 }
 
 QString RegressionHtml(const QString& regression) {
-  QString text = Escaped(regression);
+  QString text = regression;
+  EscapeHTML(text);
   text.replace(QStringLiteral("\r\n\r\n"), QStringLiteral("</P><P CLASS=\"regressionbreak\">"));
   text.replace(QStringLiteral("\r\n"), QStringLiteral("</P>\r\n<P CLASS=\"regression\">"));
   return QStringLiteral("<P CLASS=\"regression\">") + text + QStringLiteral("</P>");

@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QFile>
 #include <QSaveFile>
+#include <QTemporaryFile>
 #include <QTimeZone>
 
 #include "support/Codepage.h"
@@ -68,8 +69,11 @@ int MHTSaver::GetFileNr() const { return m_file ? 1 : 0; }
 bool MHTSaver::Open(const QString& fileName) {
   if (m_file) m_file->cancelWriting();
   m_file = std::make_unique<QSaveFile>(fileName);
+  m_spool.reset();
   m_failed = false;
+  m_error.clear();
   if (!m_file->open(QIODevice::WriteOnly)) {
+    m_error = m_file->errorString();
     m_file.reset();
     return false;
   }
@@ -82,6 +86,7 @@ bool MHTSaver::Start(const QString& fileName, const QString& title, const QStrin
   m_title = title;
   m_generatorApp = generatorApp.isEmpty() ? UiServices::AppTitle() : generatorApp;
   m_headerDone = false;
+  m_htmlWritten = false;
   return true;
 }
 
@@ -95,6 +100,7 @@ bool MHTSaver::Append(const QString& fileName) {
     if (!Write(old.read(1 << 20))) return false;
   }
   m_headerDone = true;
+  m_htmlWritten = true;
   m_title = fileName;
   return true;
 }
@@ -135,7 +141,9 @@ bool MHTSaver::SaveHTML(const QString& html, const QString& url, const QString& 
       QStringLiteral("\r\n--%1\r\nContent-Type: %2\r\n").arg(QLatin1String(Boundary), contentType);
   if (!url.isEmpty()) head += QStringLiteral("Content-Location: ") + url + QStringLiteral("\r\n");
   head += QStringLiteral("Content-Transfer-Encoding: 8bit\r\n\r\n");
-  return WriteText(head + html);
+  if (!FlushSpool() || !WriteText(head + html)) return false;
+  m_htmlWritten = true;
+  return true;
 }
 
 bool MHTSaver::SaveHTML_UTF8(const QString& html, const QString& url) {
@@ -156,7 +164,27 @@ bool MHTSaver::SaveBase64(const QByteArray& base64, const QString& contentType,
     block += base64.mid(at, Base64LineLength);
     block += CrLf;
   }
-  return Write(block);
+  if (m_htmlWritten) return FlushSpool() && Write(block);
+  if (!m_spool) {
+    m_spool = std::make_unique<QTemporaryFile>();
+    if (!m_spool->open()) {
+      m_spool.reset();
+      m_failed = true;
+      return false;
+    }
+  }
+  if (m_spool->write(block) != block.size()) m_failed = true;
+  return !m_failed;
+}
+
+bool MHTSaver::FlushSpool() {
+  if (!m_spool || !m_htmlWritten) return !m_failed;
+  m_spool->seek(0);
+  while (!m_spool->atEnd()) {
+    if (!Write(m_spool->read(1 << 20))) break;
+  }
+  m_spool.reset();
+  return !m_failed;
 }
 
 bool MHTSaver::SaveBinaryFile(const QString& file, const QString& contentType, const QString& url) {
@@ -168,11 +196,14 @@ bool MHTSaver::SaveBinaryFile(const QString& file, const QString& contentType, c
 
 bool MHTSaver::Done(bool continues) {
   if (!m_file) return false;
+  m_htmlWritten = true;
+  FlushSpool();
   QByteArray tail;
   if (m_headerDone) tail += CrLf;
   if (!continues) tail += CrLf + "--" + Boundary + "--" + CrLf;
   Write(tail);
   const bool ok = !m_failed && m_file->commit();
+  if (!ok) m_error = m_file->errorString();
   m_file.reset();
   return ok;
 }

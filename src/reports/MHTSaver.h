@@ -7,6 +7,7 @@
 
 class QDateTime;
 class QSaveFile;
+class QTemporaryFile;
 
 namespace ombrelle {
 
@@ -14,8 +15,11 @@ namespace ombrelle {
 // the HTML and whose other parts are base64 pictures) part by part, straight
 // to disk. The archive is written under a temporary name and renamed into
 // place by Done, so an interrupted report never leaves a half file under the
-// final name. Calling order: Start (or Append), parts with the HTML first,
-// Done(false). Every operation on a closed archive returns false.
+// final name. Calling order: Start (or Append), parts, Done(false). Browsers
+// show the first part of an archive, so pictures saved before the HTML (a
+// report makes its pictures while it writes its text) wait in a spool file
+// and follow the first HTML part. Every operation on a closed archive
+// returns false.
 class MHTSaver {
  public:
   static constexpr const char* Boundary = "----====::::MIME.boundary::::====----";
@@ -50,6 +54,8 @@ class MHTSaver {
   QString Filename() const { return m_fileName; }
   // 1 while an archive is open, 0 when closed.
   int GetFileNr() const;
+  // Why the last Start, Append or Done failed ("" when nothing failed).
+  QString ErrorText() const { return m_error; }
   QString Title() const { return m_title; }
   void SetTitle(const QString& title) { m_title = title; }
 
@@ -65,11 +71,15 @@ class MHTSaver {
   bool EnsureHeader();
   bool Write(const QByteArray& bytes);
   bool WriteText(const QString& text);
+  bool FlushSpool();
 
   std::unique_ptr<QSaveFile> m_file;
+  std::unique_ptr<QTemporaryFile> m_spool;  // parts made before the HTML
   bool m_headerDone = false;
+  bool m_htmlWritten = false;
   bool m_failed = false;
   QString m_fileName;
+  QString m_error;
   QString m_generatorApp;
   QString m_title;
 };

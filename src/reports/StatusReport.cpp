@@ -2,8 +2,11 @@
 
 #include "core/MetricRead.h"
 #include "reports/English.h"
+#include "reports/MHTSaver.h"
 #include "reports/MetricRetriever.h"
+#include "reports/ReportFrame.h"
 #include "support/CString.h"
+#include "support/UiServices.h"
 
 namespace ombrelle {
 
@@ -40,7 +43,7 @@ class StatusText {
 }  // namespace
 
 QString StatusReportBody(const MetricRetriever& retriever, StatusPictures& pictures,
-                         const QString& name, const QString& name2) {
+                         MHTSaver& saver, const QString& name, const QString& name2) {
   StatusText t(retriever);
   MetricRead* first = retriever.GetReader();
   MetricRead* second = retriever.GetReader2();
@@ -61,14 +64,14 @@ QString StatusReportBody(const MetricRetriever& retriever, StatusPictures& pictu
   t.Put("Thus, " + t.V(1012) + " is code lines, " + t.V(1013) + " is comment lines and " +
         t.V(1014) + " is empty lines.</P>");
   if (first && second) {
-    const QString url = pictures.LinesCompare(*first, *second);
+    const QString url = pictures.LinesCompare(saver, *first, *second);
     if (!url.isEmpty()) t.Put("<P>" + img(url, "Chart of lines in system") + "</P>");
   }
   QString pies = QStringLiteral("<P>");
   int number = 1;
   for (MetricRead* reader : {first, second}) {
     if (!reader) continue;
-    const QString url = pictures.LinesPie(*reader, number++);
+    const QString url = pictures.LinesPie(saver, *reader, number++);
     if (!url.isEmpty()) pies += img(url, "Distribution of logical lines");
   }
   t.Put(pies + QStringLiteral("</P>"));
@@ -118,7 +121,7 @@ QString StatusReportBody(const MetricRetriever& retriever, StatusPictures& pictu
         "a way to rewrite the logic with a Select Case statement or an easier-to-read "
         "If..Then..ElseIf..Else structure.</P>");
   const auto histogram = [&](MetricId metric) {
-    const QString tag = pictures.Histogram(retriever, metric);
+    const QString tag = pictures.Histogram(saver, retriever, metric);
     if (!tag.isEmpty()) t.Put(tag);
   };
   histogram(4140);
@@ -156,6 +159,49 @@ QString StatusReportBody(const MetricRetriever& retriever, StatusPictures& pictu
   t.Put("Of all the " + t.V(1400) + " classes, " +
         t.R(3213, 1, Inf, false, "class", false, "have", false) + " problems in this regard.</P>");
   return t.Value();
+}
+
+QString WriteStatusReport(MetricRead& reader, int database, int database2,
+                          StatusPictures& pictures) {
+  BusyCursor busy;
+  const QString name = MhtReportName(QStringLiteral("Status"));
+  MHTSaver saver;
+  if (name.isEmpty() || !saver.Start(name, QStringLiteral("Project status report"))) {
+    Ui().MsgBox(
+        QStringLiteral("Cannot write to ") + name + QStringLiteral("\r\n") + saver.ErrorText(),
+        MsgStyle::Exclamation, QString());
+    return {};
+  }
+  if (!reader.OpenDatabase2(database)) {
+    Ui().MsgBox(QStringLiteral("Could not open database 1"), MsgStyle::Exclamation, QString());
+    return {};
+  }
+  MetricRetriever retriever;
+  if (!retriever.Initialize(database, database2)) {
+    Ui().MsgBox(QStringLiteral("Could not initialize MR"), MsgStyle::Exclamation, QString());
+    return {};
+  }
+  QString name1 = reader.GetDatabaseName(database);
+  QString name2 = database2 > 0 ? reader.GetDatabaseName(database2) : QString();
+  EscapeHTML(name1);
+  EscapeHTML(name2);
+
+  QString text = ReportHead(QStringLiteral("Project status report"), false);
+  text += ReportStatusStyle();
+  text += QStringLiteral("</HEAD><BODY>\r\n<H1>Project status report</H1>\r\n");
+  text += StatusReportBody(retriever, pictures, saver, name1, name2);
+  text += ReportFooter(QString());
+  text += QStringLiteral("</BODY></HTML>\r\n");
+  // UTF-8 rather than the system code page: project names may hold any
+  // letter.
+  if (!saver.SaveHTML_UTF8(text, {}) || !saver.Done(false)) {
+    Ui().MsgBox(
+        QStringLiteral("Cannot write to ") + name + QStringLiteral("\r\n") + saver.ErrorText(),
+        MsgStyle::Exclamation, QString());
+    return {};
+  }
+  OpenReport(name);
+  return name;
 }
 
 }  // namespace ombrelle

@@ -167,9 +167,10 @@ TEST(MHTSaver, PythonEmailParsesTheArchive) {
   const QString path = dir.filePath("p.mht");
   MHTSaver mht;
   ASSERT_TRUE(mht.Start(path, QString::fromUtf8("Entrepôt <6.2>")));
+  // A picture made before the HTML still follows it in the archive.
+  ASSERT_TRUE(mht.SaveBase64(QByteArray(1000, '\x7f').toBase64(), "image/bmp", "a.bmp"));
   ASSERT_TRUE(mht.SaveHTML_UTF8(QString::fromUtf8("<html><body><img src=\"a.bmp\">é</body></html>"),
                                 "index.html"));
-  ASSERT_TRUE(mht.SaveBase64(QByteArray(1000, '\x7f').toBase64(), "image/bmp", "a.bmp"));
   ASSERT_TRUE(mht.Done(false));
   const char* script = R"(
 import email, email.policy, sys

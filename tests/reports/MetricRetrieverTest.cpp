@@ -3,9 +3,12 @@
 #include "core/MetricRead.h"
 #include "core/MetricReadTestSupport.h"
 #include "reports/English.h"
+#include "reports/MHTSaver.h"
 #include "reports/MetricRetriever.h"
+#include "reports/ReportFrame.h"
 #include "reports/StatusReport.h"
 #include "support/Filename.h"
+#include "support/ScriptedUiServices.h"
 
 namespace ombrelle {
 namespace {
@@ -156,11 +159,11 @@ TEST_F(MetricRetrieverTest, InitializeFailsOnAMissingDatabase) {
 // Pictures stand in by name, so the text can be compared whole.
 class NamedPictures : public StatusPictures {
  public:
-  QString LinesCompare(MetricRead&, MetricRead&) override { return "StatusLOC.bmp"; }
-  QString LinesPie(MetricRead&, int number) override {
+  QString LinesCompare(MHTSaver&, MetricRead&, MetricRead&) override { return "StatusLOC.bmp"; }
+  QString LinesPie(MHTSaver&, MetricRead&, int number) override {
     return number == 1 ? QStringLiteral("StatusPie1.bmp") : QString();
   }
-  QString Histogram(const MetricRetriever&, MetricId metric) override {
+  QString Histogram(MHTSaver&, const MetricRetriever&, MetricId metric) override {
     return metric == 4001 ? QStringLiteral("<IMG SRC=\"4001Histogram.bmp\" />") : QString();
   }
 };
@@ -170,8 +173,9 @@ TEST_F(MetricRetrieverTest, StatusReportBodyAloneAndCompared) {
     MetricRetriever retriever;
     ASSERT_TRUE(retriever.Initialize(m_first, compare ? m_second : 0));
     NamedPictures pictures;
-    const QString body =
-        StatusReportBody(retriever, pictures, "First &amp; &lt;best&gt;", compare ? "Second" : "");
+    MHTSaver saver;
+    const QString body = StatusReportBody(retriever, pictures, saver, "First &amp; &lt;best&gt;",
+                                          compare ? "Second" : "");
     const QString golden = JoinPath(
         OMBRELLE_TEST_DATA, compare ? "reports/status-compared.html" : "reports/status-alone.html");
     QFile file(golden);
@@ -182,6 +186,43 @@ TEST_F(MetricRetrieverTest, StatusReportBodyAloneAndCompared) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << golden.toStdString();
     EXPECT_EQ(body.toStdString(), QString::fromUtf8(file.readAll()).toStdString());
   }
+}
+
+TEST_F(MetricRetrieverTest, StatusReportIsOneArchiveHandedToTheDefaultHandler) {
+  ScopedScriptedUi scripted;
+  MetricRead reader;
+  NamedPictures pictures;
+  const QString name = WriteStatusReport(reader, m_first, m_second, pictures);
+  ASSERT_TRUE(name.startsWith(ReportsFolder() + "/Status")) << name.toStdString();
+  ASSERT_TRUE(name.endsWith(".mht"));
+  EXPECT_TRUE(scripted.ui.messages.empty());
+  EXPECT_EQ(scripted.ui.opened, std::vector<QString>{name});
+  QFile file(name);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  const QString text = QString::fromUtf8(file.readAll());
+  EXPECT_TRUE(text.contains("Subject: Project status report\r\n"));
+  EXPECT_TRUE(text.contains("<TITLE>Project status report</TITLE>"));
+  EXPECT_TRUE(text.contains("<H1>Project status report</H1>\r\n<P>First &amp; &lt;best&gt; &lt;"));
+  EXPECT_TRUE(text.contains(".alt { color: gray; font-style: italic; }"));
+  EXPECT_TRUE(
+      text.endsWith("</BODY></HTML>\r\n\r\n\r\n------====::::MIME.boundary::::====------\r\n"));
+
+  // A second report gets a name of its own; the first stays.
+  EXPECT_NE(WriteStatusReport(reader, m_first, 0, pictures), name);
+  EXPECT_TRUE(QFile::exists(name));
+}
+
+TEST_F(MetricRetrieverTest, StatusReportOfAMissingDatabaseLeavesNoFile) {
+  ScopedScriptedUi scripted;
+  MetricRead reader;
+  NamedPictures pictures;
+  const QStringList before = QDir(ReportsFolder()).entryList(QDir::Files);
+  EXPECT_EQ(WriteStatusReport(reader, 99, 0, pictures), "");
+  EXPECT_EQ(scripted.ui.MessageTexts(), QStringList{"Could not open database 1"});
+  EXPECT_EQ(WriteStatusReport(reader, m_first, 99, pictures), "");
+  EXPECT_EQ(scripted.ui.MessageTexts().last(), "Could not initialize MR");
+  EXPECT_EQ(QDir(ReportsFolder()).entryList(QDir::Files), before);
+  EXPECT_TRUE(scripted.ui.opened.empty());
 }
 
 }  // namespace
