@@ -208,24 +208,29 @@ void CStats::SelectPositions(const std::int32_t* positions, double* results, int
     s[m] = v[i];
     m += (v[i] == v[i]);
   }
-  // Largest position first: selection leaves the smaller ones in front of it.
-  std::int32_t hi = m;
-  std::int32_t lastPosition = 0;
-  double lastValue = 0;
-  for (int idx = n - 1; idx >= 0; --idx) {
-    const std::int32_t p = std::clamp(positions[idx], 1, m_count);
-    if (p > m) {
-      results[idx] = std::numeric_limits<double>::quiet_NaN();
-      continue;
-    }
-    if (p != lastPosition) {
-      std::nth_element(s, s + p - 1, s + hi);
-      lastValue = s[p - 1];
-      lastPosition = p;
-      hi = p - 1;
-    }
-    results[idx] = lastValue;
+  // Positions past the numbers read NaN; being ascending they are the last ones.
+  int valid = n;
+  while (valid > 0 && std::clamp(positions[valid - 1], 1, m_count) > m) {
+    --valid;
+    results[valid] = std::numeric_limits<double>::quiet_NaN();
   }
+  // Divide and conquer: the middle position splits the scratch range, and the positions
+  // on either side are selected within their own part, so k positions cost about log2(k)
+  // passes over the values instead of k.
+  auto select = [&](auto&& self, int a, int b, std::int32_t lo, std::int32_t hi) -> void {
+    if (a >= b) return;
+    const int mid = a + (b - a) / 2;
+    const std::int32_t p = std::clamp(positions[mid], 1, m_count) - 1;
+    std::nth_element(s + lo, s + p, s + hi);
+    const double value = s[p];
+    int left = mid, right = mid + 1;
+    while (left > a && std::clamp(positions[left - 1], 1, m_count) - 1 == p) --left;
+    while (right < b && std::clamp(positions[right], 1, m_count) - 1 == p) ++right;
+    for (int idx = left; idx < right; ++idx) results[idx] = value;
+    self(self, a, left, lo, p);
+    self(self, right, b, p + 1, hi);
+  };
+  select(select, 0, valid, 0, m);
 }
 
 double CStats::ValueAtPosition(std::int32_t Index) const {
