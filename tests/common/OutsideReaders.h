@@ -1,5 +1,7 @@
 #pragma once
 
+class QImage;
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -10,9 +12,6 @@ namespace ombrelle::test {
 // skips the test when xmllint is not installed.
 void ExpectXmllintAccepts(const QString& path);
 
-}  // namespace ombrelle::test
-
-namespace ombrelle::test {
 
 // Asserts that `path` parses as HTML to xmllint (--html --noout) without a
 // single complaint; skips the test when xmllint is not installed.
@@ -22,5 +21,11 @@ void ExpectXmllintHtmlAccepts(const QString& path);
 // `encoding`, fields split at `delimiter`); skips when python3 is missing.
 QList<QStringList> PythonCsvRows(const QString& path, const QString& delimiter,
                                  const QString& encoding);
+
+// The pixels of a BMP file as decoded by ImageMagick (`convert`) and by
+// netpbm (`bmptopnm`), as 32-bit colours; a null image and a test failure
+// when the reader refuses the file or is not installed.
+QImage DecodeWithImageMagick(const QString& path);
+QImage DecodeWithBmptopnm(const QString& path);
 
 }  // namespace ombrelle::test
