@@ -8,6 +8,8 @@ packages=(cmake ninja-build g++ qt6-base-dev qt6-base-dev-tools libgl-dev
 if [ "${1:-build}" = test ]; then
   # Outside readers that check what the program writes.
   packages+=(imagemagick libxml2-utils xvfb xauth)
+  # Web archives are rendered by a browser.
+  packages+=(chromium)
   # libFuzzer and its sanitizer runtimes for the fuzz targets.
   packages+=(clang-14 libclang-rt-14-dev)
 fi

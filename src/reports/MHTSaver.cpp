@@ -6,6 +6,7 @@
 #include <QTemporaryFile>
 #include <QTimeZone>
 
+#include "reports/ReportFrame.h"
 #include "support/Codepage.h"
 #include "support/UiServices.h"
 
@@ -62,6 +63,12 @@ QString MHTSaver::QuoteHeaderText(const QString& text) {
   QString encoded = EncodeHeaderText(text);
   encoded.replace(QLatin1Char('"'), QStringLiteral("\"\""));
   return QLatin1Char('"') + encoded + QLatin1Char('"');
+}
+
+QString MHTSaver::PartLocation(const QString& url, bool html) {
+  if (url.isEmpty()) return html ? kMakerWebAddress + QStringLiteral("archive/index.html") : url;
+  if (url.contains(QStringLiteral("://"))) return url;
+  return kMakerWebAddress + QStringLiteral("archive/") + url;
 }
 
 int MHTSaver::GetFileNr() const { return m_file ? 1 : 0; }
@@ -139,7 +146,11 @@ bool MHTSaver::SaveHTML(const QString& html, const QString& url, const QString& 
   if (!EnsureHeader()) return false;
   QString head =
       QStringLiteral("\r\n--%1\r\nContent-Type: %2\r\n").arg(QLatin1String(Boundary), contentType);
-  if (!url.isEmpty()) head += QStringLiteral("Content-Location: ") + url + QStringLiteral("\r\n");
+  const QString location =
+      PartLocation(url, contentType.startsWith(QLatin1String("text/html"), Qt::CaseInsensitive));
+  if (!location.isEmpty()) {
+    head += QStringLiteral("Content-Location: ") + location + QStringLiteral("\r\n");
+  }
   head += QStringLiteral("Content-Transfer-Encoding: 8bit\r\n\r\n");
   if (!FlushSpool() || !WriteText(head + html)) return false;
   m_htmlWritten = true;
@@ -159,7 +170,7 @@ bool MHTSaver::SaveBase64(const QByteArray& base64, const QString& contentType,
   block += CrLf + "--" + Boundary + CrLf;
   block += "Content-Type: " + TextToMultiByte(contentType, Ansi) + CrLf;
   block += "Content-Transfer-Encoding: base64" + CrLf;
-  block += "Content-Location: " + TextToMultiByte(url, Ansi) + CrLf + CrLf;
+  block += "Content-Location: " + TextToMultiByte(PartLocation(url, false), Ansi) + CrLf + CrLf;
   for (qsizetype at = 0; at < base64.size(); at += Base64LineLength) {
     block += base64.mid(at, Base64LineLength);
     block += CrLf;

@@ -23,6 +23,11 @@ namespace ombrelle {
 class MHTSaver {
  public:
   static constexpr const char* Boundary = "----====::::MIME.boundary::::====----";
+  // Browsers match the parts of an archive only by absolute web addresses,
+  // so a relative part name ("Chart1.bmp") is placed below this base, and an
+  // HTML part without a name becomes its "index.html". Links in the HTML stay
+  // relative and resolve against it.
+  static QString PartLocation(const QString& url, bool html);
 
   MHTSaver();
   // An archive still open here is abandoned: nothing reaches the final name.

@@ -2,11 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QFile>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QUrl>
 
 namespace ombrelle::test {
 
@@ -19,7 +23,6 @@ void ExpectXmllintAccepts(const QString& path) {
   EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
   EXPECT_TRUE(process.readAllStandardError().isEmpty());
 }
-
 
 void ExpectXmllintHtmlAccepts(const QString& path) {
   const QString xmllint = QStandardPaths::findExecutable(QStringLiteral("xmllint"));
@@ -63,7 +66,6 @@ QList<QStringList> PythonCsvRows(const QString& path, const QString& delimiter,
   }
   return rows;
 }
-
 
 namespace {
 
@@ -110,6 +112,41 @@ QImage DecodeWithBmptopnm(const QString& path) {
   if (pnm.isEmpty()) return {};
   const QByteArray ppm = RunReader(QStringLiteral("ppmtoppm"), {}, pnm);
   return ppm.isEmpty() ? QImage() : FromPpm(ppm);
+}
+
+}  // namespace ombrelle::test
+
+namespace ombrelle::test {
+
+QString ArtefactPath(const QString& suite, const QString& name) {
+  const QString folder = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/") + suite;
+  QDir().mkpath(folder);
+  return folder + QLatin1Char('/') + name;
+}
+
+void ChromiumScreenshot(const QString& document, const QString& png, int width, int height) {
+  const QString chromium = QStandardPaths::findExecutable(QStringLiteral("chromium"));
+  if (chromium.isEmpty()) {
+    ADD_FAILURE() << "chromium is not installed (scripts/install-deps.sh test)";
+    return;
+  }
+  QTemporaryDir profile;
+  QFile::remove(png);
+  QProcess process;
+  process.start(chromium,
+                {QStringLiteral("--headless"), QStringLiteral("--no-sandbox"),
+                 QStringLiteral("--disable-gpu"), QStringLiteral("--no-first-run"),
+                 QStringLiteral("--disable-background-networking"),
+                 QStringLiteral("--disable-component-update"), QStringLiteral("--disable-sync"),
+                 QStringLiteral("--user-data-dir=") + profile.path(),
+                 QStringLiteral("--window-size=%1,%2").arg(width).arg(height),
+                 QStringLiteral("--screenshot=") + png, QUrl::fromLocalFile(document).toString()});
+  if (!process.waitForFinished(120000)) {
+    process.kill();
+    ADD_FAILURE() << "chromium did not finish";
+    return;
+  }
+  EXPECT_TRUE(QFile::exists(png)) << process.readAllStandardError().toStdString();
 }
 
 }  // namespace ombrelle::test

@@ -12,7 +12,6 @@ namespace ombrelle::test {
 // skips the test when xmllint is not installed.
 void ExpectXmllintAccepts(const QString& path);
 
-
 // Asserts that `path` parses as HTML to xmllint (--html --noout) without a
 // single complaint; skips the test when xmllint is not installed.
 void ExpectXmllintHtmlAccepts(const QString& path);
@@ -27,5 +26,17 @@ QList<QStringList> PythonCsvRows(const QString& path, const QString& delimiter,
 // when the reader refuses the file or is not installed.
 QImage DecodeWithImageMagick(const QString& path);
 QImage DecodeWithBmptopnm(const QString& path);
+
+}  // namespace ombrelle::test
+
+namespace ombrelle::test {
+
+// <build>/test-output/<suite>/<name>, its folder made: where tests keep the
+// pictures a person looks at.
+QString ArtefactPath(const QString& suite, const QString& name);
+// Renders `document` (HTML or a web archive) in headless Chromium into the
+// PNG `png` of the given size; a test failure when Chromium is missing or
+// writes no picture.
+void ChromiumScreenshot(const QString& document, const QString& png, int width, int height);
 
 }  // namespace ombrelle::test

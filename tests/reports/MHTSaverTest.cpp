@@ -54,12 +54,13 @@ TEST(MHTSaver, WritesHeaderPartsAndClosingBoundaryExactly) {
   const QByteArray expected =
       Header + "\r\n--" + MHTSaver::Boundary +
       "\r\nContent-Type: text/html;\r\n        charset=\"utf-8\"\r\n"
-      "Content-Location: index.html\r\nContent-Transfer-Encoding: 8bit\r\n\r\n"
+      "Content-Location: https://ombrelle.example.org/archive/index.html\r\n"
+      "Content-Transfer-Encoding: 8bit\r\n\r\n"
       "\r\n<p>\xc3\xa9</p>"
       "\r\n--" +
       MHTSaver::Boundary +
       "\r\nContent-Type: image/bmp\r\nContent-Transfer-Encoding: base64\r\n"
-      "Content-Location: p1.bmp\r\n\r\n" +
+      "Content-Location: https://ombrelle.example.org/archive/p1.bmp\r\n\r\n" +
       QByteArray(57, 'a').toBase64() +
       "\r\n"
       "\r\n--" +
@@ -79,9 +80,9 @@ TEST(MHTSaver, Base64LinesHoldSeventySixCharacters) {
   ASSERT_TRUE(mht.SaveBase64(QByteArray(58, 'b').toBase64(), "image/gif", "x.gif"));
   ASSERT_TRUE(mht.Done(false));
   const QByteArray base64 = QByteArray(58, 'b').toBase64();
-  EXPECT_TRUE(ReadAll(path).endsWith("Content-Location: x.gif\r\n\r\n" + base64.left(76) + "\r\n" +
-                                     base64.mid(76) + "\r\n\r\n\r\n--" + MHTSaver::Boundary +
-                                     "--\r\n"));
+  EXPECT_TRUE(ReadAll(path).endsWith(
+      "Content-Location: https://ombrelle.example.org/archive/x.gif\r\n\r\n" + base64.left(76) +
+      "\r\n" + base64.mid(76) + "\r\n\r\n\r\n--" + MHTSaver::Boundary + "--\r\n"));
   EXPECT_TRUE(QByteArray(58, 'b').toBase64().endsWith("=="));
 }
 

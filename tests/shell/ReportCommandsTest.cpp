@@ -1,9 +1,10 @@
 #include <QFile>
+#include <QProcess>
 
 #include "common/OutsideReaders.h"
 #include "core/ListModel.h"
 #include "reports/ReportFrame.h"
-#include "reports/StatusReport.h"
+#include "reports/StatusPictures.h"
 #include "shell/PageModelFixture.h"
 #include "shell/ReportCommands.h"
 
@@ -31,18 +32,11 @@ class ScriptedDialogs : public ProjectDialogs {
   std::vector<QString> titles;
 };
 
-class NoPictures : public StatusPictures {
- public:
-  QString LinesCompare(MHTSaver&, MetricRead&, MetricRead&) override { return {}; }
-  QString LinesPie(MHTSaver&, MetricRead&, int) override { return {}; }
-  QString Histogram(MHTSaver&, const MetricRetriever&, MetricId) override { return {}; }
-};
-
 class ReportCommandsTest : public test::PageModelTest {
  protected:
   ScopedScriptedUi scripted;
   ScriptedDialogs dialogs;
-  NoPictures pictures;
+  ChartStatusPictures pictures;
 };
 
 QString ReadText(const QString& path) {
@@ -89,6 +83,33 @@ TEST_F(ReportCommandsTest, StatusLimitsAndListsOfTheSamples) {
   EXPECT_TRUE(limits.contains("<TD>CC</TD>"));
   for (int i : {1, 3, 4}) test::ExpectXmllintHtmlAccepts(scripted.ui.opened[i]);
   EXPECT_EQ(scripted.ui.opened[5], ReportsFolder());
+
+  // The compared archive: multipart/related, the HTML first, every picture
+  // it names inside and decodable, and a page Chromium can show.
+  const char* script = R"PY(
+import email, email.policy, re, sys, urllib.parse
+m = email.message_from_binary_file(open(sys.argv[1], 'rb'), policy=email.policy.default)
+assert m.get_content_type() == 'multipart/related'
+parts = list(m.iter_parts())
+assert parts[0].get_content_type() == 'text/html'
+html = parts[0].get_content()
+base = parts[0]['Content-Location']
+names = {p['Content-Location']: p for p in parts[1:]}
+srcs = re.findall(r'<IMG SRC="([^"]+)"', html)
+assert len(srcs) >= 6, srcs
+for s in srcs:
+    u = urllib.parse.urljoin(base, s)
+    assert u in names, u
+    assert names[u].get_content()[:2] == b'BM'
+print(len(srcs))
+)PY";
+  QProcess python;
+  python.start("python3", {"-c", script, scripted.ui.opened[2]});
+  ASSERT_TRUE(python.waitForFinished(60000));
+  EXPECT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
+  const QString shot = test::ArtefactPath("ReportCommands", "status-compared.png");
+  test::ChromiumScreenshot(scripted.ui.opened[2], shot, 900, 2400);
+  EXPECT_TRUE(QFile::exists(shot));
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <QMainWindow>
 #include <QMenu>
 
-#include "reports/StatusReport.h"
+#include "reports/StatusPictures.h"
 #include "shell/ReportCommands.h"
 #include "shell/ui/ProjectDialogsUi.h"
 #include "shell/ui/TableMenus.h"
@@ -15,20 +15,12 @@ namespace ombrelle {
 
 namespace {
 
-// Pictures of the status report; the report leaves out what it is not given.
-class NoStatusPictures : public StatusPictures {
- public:
-  QString LinesCompare(MHTSaver&, MetricRead&, MetricRead&) override { return {}; }
-  QString LinesPie(MHTSaver&, MetricRead&, int) override { return {}; }
-  QString Histogram(MHTSaver&, const MetricRetriever&, MetricId) override { return {}; }
-};
-
 // What the menu entries share, owned by the menu.
 struct ReportMenuState : QObject {
   ReportMenuState(QMainWindow& window, PageModel& model)
       : QObject(&window), dialogs(&window), commands(model, dialogs, pictures) {}
   ProjectDialogsUi dialogs;
-  NoStatusPictures pictures;
+  ChartStatusPictures pictures;
   ReportCommands commands;
 };
 
