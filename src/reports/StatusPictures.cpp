@@ -64,6 +64,7 @@ QString ChartStatusPictures::LinesPie(MHTSaver& saver, MetricRead& reader, int n
       {QStringLiteral("Code (") + FormatMetric(format, lines.ValueAtIndex(1)) + ")",
        QStringLiteral("Comment (") + FormatMetric(format, lines.ValueAtIndex(2)) + ")",
        QStringLiteral("Empty (") + FormatMetric(format, lines.ValueAtIndex(3)) + ")"});
+  chart.ShowLegend = true;
   chart.SetData({lines});
   return Embed(chart, saver, QStringLiteral("StatusPie%1.bmp").arg(number));
 }
