@@ -10,6 +10,8 @@ if [ "${1:-build}" = test ]; then
   packages+=(imagemagick libxml2-utils xvfb xauth)
   # Metafile readers, their fonts, and the SVG renderer the metafile tests use.
   packages+=(emf2svg libwmf-bin fonts-urw-base35 gsfonts qt6-svg-dev)
+  # Web archives are rendered by a browser.
+  packages+=(chromium)
   # libFuzzer and its sanitizer runtimes for the fuzz targets.
   packages+=(clang-14 libclang-rt-14-dev)
 fi

@@ -6,6 +6,7 @@
 #include "shell/StartupState.h"
 #include "stats/CStats.h"
 #include "support/FormatNum.h"
+#include "support/SeriesText.h"
 #include "support/SettingsStore.h"
 
 namespace ombrelle {
@@ -46,11 +47,11 @@ bool StatsPanel::FullStatsAvailable() const {
 }
 
 QString StatsPanel::SkewText(const CStats& stats, const QString& defaultText) {
-  return stats.StdDev > 0 ? FormatMetric(kAverageFormat, stats.Skew) : defaultText;
+  return ombrelle::SkewText(stats, defaultText);
 }
 
 QString StatsPanel::KurtosisText(const CStats& stats, const QString& defaultText) {
-  return stats.StdDev > 0 ? FormatMetric(kAverageFormat, stats.Kurtosis) : defaultText;
+  return ombrelle::KurtosisText(stats, defaultText);
 }
 
 QString StatsPanel::SumText(int series) const {
@@ -64,20 +65,7 @@ QString StatsPanel::SumText(int series) const {
 }
 
 QString StatsPanel::OutlierText(CStats& stats, int format, bool extreme, bool bracketed) {
-  if (stats.count() < 10) return QStringLiteral("-");
-  const double low = extreme ? stats.ExtremeOutlierLowerTail() : stats.OutlierLowerTail();
-  const double high = extreme ? stats.ExtremeOutlierUpperTail() : stats.OutlierUpperTail();
-  if (bracketed) {
-    return QLatin1Char('[') + FormatMetric(format, low) + QStringLiteral(", ") +
-           FormatMetric(format, high) + QLatin1Char(']');
-  }
-  QString text;
-  if (low > stats.Min) text = QLatin1Char('<') + FormatMetric(format, low);
-  if (high < stats.Max) {
-    if (!text.isEmpty()) text += QStringLiteral(", ");
-    text += QLatin1Char('>') + FormatMetric(format, high);
-  }
-  return text.isEmpty() ? QStringLiteral("-") : text;
+  return ombrelle::OutlierText(stats, format, extreme, bracketed);
 }
 
 void StatsPanel::UpdateStats(int series) {

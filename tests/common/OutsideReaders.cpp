@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
+#include <QTemporaryDir>
+#include <QUrl>
 
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -20,10 +24,6 @@ void ExpectXmllintAccepts(const QString& path) {
   EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
   EXPECT_TRUE(process.readAllStandardError().isEmpty());
 }
-
-}  // namespace ombrelle::test
-
-namespace ombrelle::test {
 
 int RunOutsideReader(const QString& program, const QStringList& arguments, QString* output) {
   const QString path = QStandardPaths::findExecutable(program);
@@ -62,12 +62,6 @@ void ExpectEmf2SvgAccepts(const QString& emf, const QString& svg) {
 void ExpectWmf2SvgAccepts(const QString& wmf, const QString& svg) {
   ExpectSvgFrom(QStringLiteral("wmf2svg"), {QStringLiteral("-o"), svg, wmf}, svg);
 }
-
-}  // namespace ombrelle::test
-
-#include <QImage>
-
-namespace ombrelle::test {
 
 namespace {
 
@@ -157,6 +151,37 @@ QList<QStringList> PythonCsvRows(const QString& path, const QString& delimiter,
     rows << row;
   }
   return rows;
+}
+
+QString ArtefactPath(const QString& suite, const QString& name) {
+  const QString folder = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/") + suite;
+  QDir().mkpath(folder);
+  return folder + QLatin1Char('/') + name;
+}
+
+void ChromiumScreenshot(const QString& document, const QString& png, int width, int height) {
+  const QString chromium = QStandardPaths::findExecutable(QStringLiteral("chromium"));
+  if (chromium.isEmpty()) {
+    ADD_FAILURE() << "chromium is not installed (scripts/install-deps.sh test)";
+    return;
+  }
+  QTemporaryDir profile;
+  QFile::remove(png);
+  QProcess process;
+  process.start(chromium,
+                {QStringLiteral("--headless"), QStringLiteral("--no-sandbox"),
+                 QStringLiteral("--disable-gpu"), QStringLiteral("--no-first-run"),
+                 QStringLiteral("--disable-background-networking"),
+                 QStringLiteral("--disable-component-update"), QStringLiteral("--disable-sync"),
+                 QStringLiteral("--user-data-dir=") + profile.path(),
+                 QStringLiteral("--window-size=%1,%2").arg(width).arg(height),
+                 QStringLiteral("--screenshot=") + png, QUrl::fromLocalFile(document).toString()});
+  if (!process.waitForFinished(120000)) {
+    process.kill();
+    ADD_FAILURE() << "chromium did not finish";
+    return;
+  }
+  EXPECT_TRUE(QFile::exists(png)) << process.readAllStandardError().toStdString();
 }
 
 }  // namespace ombrelle::test

@@ -1,5 +1,7 @@
 #pragma once
 
+class QImage;
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -9,10 +11,6 @@ namespace ombrelle::test {
 // Asserts that `path` is well-formed XML to an outside reader (xmllint);
 // skips the test when xmllint is not installed.
 void ExpectXmllintAccepts(const QString& path);
-
-}  // namespace ombrelle::test
-
-namespace ombrelle::test {
 
 // Runs an outside reader; fails the test (never skips) when the program is
 // not installed. Returns the exit status, -1 when it could not run.
@@ -25,11 +23,6 @@ void ExpectEmf2SvgAccepts(const QString& emf, const QString& svg);
 // Converts a placeable metafile to SVG with wmf2svg (package libwmf-bin)
 // and expects exit status 0 and an SVG file.
 void ExpectWmf2SvgAccepts(const QString& wmf, const QString& svg);
-}  // namespace ombrelle::test
-
-class QImage;
-
-namespace ombrelle::test {
 
 // The pixels of a BMP file as decoded by ImageMagick (`convert`) and by
 // netpbm (`bmptopnm`), as 32-bit colours; a null image and a test failure
@@ -45,5 +38,13 @@ void ExpectXmllintHtmlAccepts(const QString& path);
 // `encoding`, fields split at `delimiter`); skips when python3 is missing.
 QList<QStringList> PythonCsvRows(const QString& path, const QString& delimiter,
                                  const QString& encoding);
+
+// <build>/test-output/<suite>/<name>, its folder made: where tests keep the
+// pictures a person looks at.
+QString ArtefactPath(const QString& suite, const QString& name);
+// Renders `document` (HTML or a web archive) in headless Chromium into the
+// PNG `png` of the given size; a test failure when Chromium is missing or
+// writes no picture.
+void ChromiumScreenshot(const QString& document, const QString& png, int width, int height);
 
 }  // namespace ombrelle::test

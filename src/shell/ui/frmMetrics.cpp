@@ -25,6 +25,7 @@
 #include "shell/ui/AboutBox.h"
 #include "shell/ui/ComboBinding.h"
 #include "shell/ui/StatsFrame.h"
+#include "shell/ui/ReportMenus.h"
 #include "shell/ui/TableMenus.h"
 #include "support/UiServices.h"
 #include "support/ui/WindowPlacementUi.h"
@@ -236,6 +237,7 @@ void frmMetrics::BuildMenus() {
           &QAction::triggered, this, &frmMetrics::ShowAbout);
 
   AddTableMenus(*this, m_model, file, fileExit);
+  AddReportMenus(*this, m_model);
 }
 
 void frmMetrics::Load(const QString& inputFile, bool about, int aboutMs) {

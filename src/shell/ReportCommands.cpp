@@ -1,0 +1,68 @@
+#include "shell/ReportCommands.h"
+
+#include <QDir>
+
+#include "core/ListModel.h"
+#include "core/MetricRead.h"
+#include "reports/ListReports.h"
+#include "reports/ReportFrame.h"
+#include "reports/StatusReport.h"
+#include "shell/PageModel.h"
+#include "support/Filename.h"
+#include "support/UiServices.h"
+
+namespace ombrelle {
+
+namespace {
+
+// The analyses the report dialogs offer: every analysis, the current one
+// chosen.
+void FillProjects(PageModel& page, ListModel& list) {
+  page.Reader().FillCombo(list, DataModes::AllFiles, page.CurrentDatabase());
+}
+
+}  // namespace
+
+int ReportCommands::SelectProjectDialog() {
+  ListModel list;
+  FillProjects(m_page, list);
+  return m_dialogs.ListSelect(QStringLiteral("Select project"), list);
+}
+
+void ReportCommands::ProjectStatus() {
+  const int database = SelectProjectDialog();
+  if (database > 0) WriteStatusReport(m_page.Reader(), database, 0, m_pictures);
+}
+
+void ReportCommands::CompareProjectStatus() {
+  ListModel list;
+  FillProjects(m_page, list);
+  int first = 0;
+  int second = 0;
+  if (m_dialogs.SelectProjects(list, first, second) && first > 0 && second > 0) {
+    WriteStatusReport(m_page.Reader(), first, second, m_pictures);
+  }
+}
+
+void ReportCommands::LimitsReport() {
+  const int database = SelectProjectDialog();
+  if (database <= 0) return;
+  BusyCursor busy;
+  WriteLimitsReport(m_page.Reader(), database, m_page.Limits());
+}
+
+void ReportCommands::MetricsList(bool sorted) {
+  BusyCursor busy;
+  WriteMetricsList(m_page.Definitions(), sorted);
+}
+
+void ReportCommands::ExploreReports() {
+  const QString folder = ReportsFolder();
+  if (!FolderExists(folder)) {
+    Ui().MsgBox(QStringLiteral("No reports in ") + folder, MsgStyle::Exclamation, QString());
+    return;
+  }
+  Ui().ShellOpen(folder);
+}
+
+}  // namespace ombrelle

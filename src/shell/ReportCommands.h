@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QString>
+
+namespace ombrelle {
+
+class ListModel;
+class PageModel;
+class StatusPictures;
+
+// The list dialogs the report commands ask through; the window supplies Qt
+// dialogs and tests a scripted stand-in.
+class ProjectDialogs {
+ public:
+  virtual ~ProjectDialogs() = default;
+  // `ListSelect` titled `title` over `list`: the item data of the chosen
+  // item when the user leaves with OK, else 0.
+  virtual int ListSelect(const QString& title, const ListModel& list) = 0;
+  // `frmSelectProjects` with both lists filled from `list`: true on OK, with
+  // the item data of the two choices (which differ).
+  virtual bool SelectProjects(const ListModel& list, int& first, int& second) = 0;
+};
+
+// The Report menu's commands that work on whole analyses rather than the
+// page: project status (alone and compared), limits report, metrics lists
+// and the reports folder.
+class ReportCommands {
+ public:
+  ReportCommands(PageModel& page, ProjectDialogs& dialogs, StatusPictures& pictures)
+      : m_page(page), m_dialogs(dialogs), m_pictures(pictures) {}
+
+  // `SelectProjectDialog`: the latest analysis of each project, titled
+  // "Select project"; the chosen database or 0.
+  int SelectProjectDialog();
+  void ProjectStatus();
+  void CompareProjectStatus();
+  void LimitsReport();
+  void MetricsList(bool sorted);
+  // Opens the reports folder; "No reports in " + folder when it is missing.
+  void ExploreReports();
+
+ private:
+  PageModel& m_page;
+  ProjectDialogs& m_dialogs;
+  StatusPictures& m_pictures;
+};
+
+}  // namespace ombrelle
