@@ -4,12 +4,12 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ qt6-base-dev qt6-base-dev-tools libgl-dev
-          libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core)
+          libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core qt6-svg-dev)
 if [ "${1:-build}" = test ]; then
   # Outside readers that check what the program writes.
   packages+=(imagemagick libxml2-utils xvfb xauth)
   # Metafile readers, their fonts, and the SVG renderer the metafile tests use.
-  packages+=(emf2svg libwmf-bin fonts-urw-base35 gsfonts qt6-svg-dev)
+  packages+=(emf2svg libwmf-bin fonts-urw-base35 gsfonts)
   # Web archives are rendered by a browser.
   packages+=(chromium)
   # libFuzzer and its sanitizer runtimes for the fuzz targets.
