@@ -24,6 +24,7 @@
 #include "shell/StartupState.h"
 #include "shell/ui/AboutBox.h"
 #include "shell/ui/ComboBinding.h"
+#include "shell/ui/OptionsMenuEntries.h"
 #include "shell/ui/StatsFrame.h"
 #include "support/UiServices.h"
 #include "support/ui/WindowPlacementUi.h"
@@ -226,6 +227,7 @@ void frmMetrics::BuildMenus() {
     m_model.ToggleRotated();
     MenuChecksChanged();
   });
+  AddOptionsDialogEntries(*options, m_model, this);
 
   QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
   help->setObjectName(QStringLiteral("mHelp"));
