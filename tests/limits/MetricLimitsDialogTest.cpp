@@ -76,8 +76,8 @@ TEST(MetricLimitsDialog, ConditionShowsHidesAndOrdersTheBoxes) {
     int condition;
     bool first, second;
   };
-  const Case cases[] = {{0, true, false}, {1, true, true}, {2, true, false},
-                        {3, false, false}, {4, false, false}};
+  const Case cases[] = {
+      {0, true, false}, {1, true, true}, {2, true, false}, {3, false, false}, {4, false, false}};
   MetricLimitsDialogModel dialog;
   dialog.Add();
   for (const Case& c : cases) {
