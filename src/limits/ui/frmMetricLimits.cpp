@@ -61,6 +61,8 @@ frmMetricLimits::frmMetricLimits(MetricLimitsDialogModel& model, QWidget* parent
   BuildWidgets();
   setWindowTitle(m_model.Title());
   Sync();
+  // Room for a dozen rules; the read-only view has no frame below them.
+  resize(m_model.ReadOnly() ? QSize(420, 400) : QSize(500, 520));
 }
 
 frmMetricLimits::~frmMetricLimits() { m_grid->SetOwner(nullptr); }
@@ -93,7 +95,10 @@ void frmMetricLimits::BuildWidgets() {
     grid.SetColumnCaption(column, MetricLimitsDialogModel::ColumnCaption(column));
   grid.SetColumnWidth(1, kMetricColumnWidth);
   grid.SetColumnWidth(2, kRuleColumnWidth);
-  m_grid->setMinimumSize(static_cast<int>(kMetricColumnWidth + kRuleColumnWidth) + 40, 180);
+  grid.SetColumnAlignment(1, 0);  // left
+  grid.SetColumnAlignment(2, 0);
+  grid.SetBorderStyle(1);
+  m_grid->setMinimumSize(static_cast<int>(kMetricColumnWidth + kRuleColumnWidth) + 40, 220);
   middle->addWidget(m_grid, 1);
 
   auto* listButtons = new QVBoxLayout();
