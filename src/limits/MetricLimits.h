@@ -64,7 +64,6 @@ class MetricLimits {
   // the user accepted. The windows install it; without one nothing is shown.
   using DialogRunner = std::function<bool(MetricLimitsDialogModel& dialog)>;
   static void SetDialogRunner(DialogRunner runner);
-  static bool HasDialogRunner();
   // Lets the user edit the rules and name; on acceptance takes them and
   // saves the set. True when the user accepted.
   bool Edit();

@@ -17,8 +17,6 @@ MetricLimits::DialogRunner& Runner() {
 
 void MetricLimits::SetDialogRunner(DialogRunner runner) { Runner() = std::move(runner); }
 
-bool MetricLimits::HasDialogRunner() { return static_cast<bool>(Runner()); }
-
 void MetricLimits::FillEditor(MetricLimitsDialogModel& dialog) const {
   dialog.SetName(m_name);
   for (const MetricLimitRule& rule : m_rules)
