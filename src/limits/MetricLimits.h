@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include <QString>
@@ -11,6 +12,7 @@ namespace ombrelle {
 
 class CStats;
 class ChoiceList;
+class MetricLimitsDialogModel;
 
 // One rule of a limit set: which values of one metric are acceptable.
 struct MetricLimitRule {
@@ -57,6 +59,16 @@ class MetricLimits {
   // Writes a stored set to the settings, replacing what was there; nothing
   // for a built-in set.
   void Save();
+
+  // Shows the rules dialog over `dialog` until the user ends it; true when
+  // the user accepted. The windows install it; without one nothing is shown.
+  using DialogRunner = std::function<bool(MetricLimitsDialogModel& dialog)>;
+  static void SetDialogRunner(DialogRunner runner);
+  // Lets the user edit the rules and name; on acceptance takes them and
+  // saves the set. True when the user accepted.
+  bool Edit();
+  // Shows the rules read-only.
+  void View();
 
   // Writes the set to an `.mtl` file; errors are shown to the user. True
   // when the file was written.
@@ -118,6 +130,7 @@ class MetricLimits {
   void LoadBuiltIn(std::int32_t LimitNr);
   static std::int16_t FindFreeLimitID();
   static QString GetSavedName(std::int32_t LimitNr);
+  void FillEditor(MetricLimitsDialogModel& dialog) const;
   const MetricLimitRule* FindRule(MetricId metric) const;
   QString RuleText(const MetricLimitRule& rule) const;
 

@@ -41,8 +41,15 @@ int main(int argc, char** argv) {
   setenv("XDG_DATA_HOME", (home + "/.local").c_str(), 1);
   setenv("XDG_CACHE_HOME", (home + "/.cache").c_str(), 1);
   setenv("TMPDIR", tmp.c_str(), 1);
-  setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  unsetenv("DISPLAY");
+  // Window tests that need a real display run under xvfb-run with
+  // OMBRELLE_TEST_XVFB set; every other run draws offscreen.
+  const char* xvfb = getenv("OMBRELLE_TEST_XVFB");
+  if (xvfb && *xvfb && getenv("DISPLAY")) {
+    setenv("QT_QPA_PLATFORM", "xcb", 1);
+  } else {
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    unsetenv("DISPLAY");
+  }
   unsetenv("WAYLAND_DISPLAY");
 
   TestApplication app(argc, argv);

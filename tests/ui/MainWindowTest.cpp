@@ -352,7 +352,7 @@ TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {
   EXPECT_EQ(seen, QStringList({"&File:&Export table...|Export X&ML...|E&xit",
                                "&Edit:&Copy table|&Find line...|Find &again",
                                "&Report:&Data on current page|D&ata+Summary on current page",
-                               "&Options:&Display charts|&Rotated view",
+                               "&Options:&Selections...|&Limits...||&Display charts|&Rotated view",
                                "&Help:&Contents|&About Ombrelle"}));
 }
 

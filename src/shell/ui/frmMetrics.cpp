@@ -24,6 +24,7 @@
 #include "shell/StartupState.h"
 #include "shell/ui/AboutBox.h"
 #include "shell/ui/ComboBinding.h"
+#include "shell/ui/OptionsMenuEntries.h"
 #include "shell/ui/StatsFrame.h"
 #include "shell/ui/ReportMenus.h"
 #include "shell/ui/TableMenus.h"
@@ -228,6 +229,7 @@ void frmMetrics::BuildMenus() {
     m_model.ToggleRotated();
     MenuChecksChanged();
   });
+  AddOptionsDialogEntries(*options, m_model, this);
 
   QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
   help->setObjectName(QStringLiteral("mHelp"));
