@@ -351,7 +351,9 @@ TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {
   }
   EXPECT_EQ(seen, QStringList({"&File:&Export table...|Export X&ML...|E&xit",
                                "&Edit:&Copy table|&Find line...|Find &again",
-                               "&Report:&Data on current page|D&ata+Summary on current page",
+                               "&Report:&Data on current page|D&ata+Summary on current page||&Project status|"
+                               "&Compare project status|&Limits report||&Metrics list|"
+                               "Metrics list, s&orted||&Explore saved reports",
                                "&Options:&Selections...|&Limits...||&Display charts|&Rotated view",
                                "&Help:&Contents|&About Ombrelle"}));
 }
