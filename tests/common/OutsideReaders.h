@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QList>
 #include <QString>
+#include <QStringList>
 
 namespace ombrelle::test {
 
@@ -19,5 +21,18 @@ namespace ombrelle::test {
 // when the reader refuses the file or is not installed.
 QImage DecodeWithImageMagick(const QString& path);
 QImage DecodeWithBmptopnm(const QString& path);
+
+}  // namespace ombrelle::test
+
+namespace ombrelle::test {
+
+// Asserts that `path` parses as HTML to xmllint (--html --noout) without a
+// single complaint; skips the test when xmllint is not installed.
+void ExpectXmllintHtmlAccepts(const QString& path);
+
+// The rows Python's csv module reads from `path` (bytes decoded as
+// `encoding`, fields split at `delimiter`); skips when python3 is missing.
+QList<QStringList> PythonCsvRows(const QString& path, const QString& delimiter,
+                                 const QString& encoding);
 
 }  // namespace ombrelle::test
