@@ -317,5 +317,45 @@ TEST_F(ChartCommandsTest, CorrelationMatrixHasHeadersAtBothEndsAndMarksOnlyNegat
   EXPECT_TRUE(screenList.isEmpty() || screenList.endsWith("\r\n\r\n"));
 }
 
+TEST_F(ChartCommandsTest, CorrelationOnTheTimePageSetsEveryMetricAgainstTheDate) {
+  ChartCommands commands(*model);
+  model->TabClicked(2);
+  const int date = model->FindSeries(1000);
+  ASSERT_GT(date, 0);
+  QString matrix, list;
+  ASSERT_TRUE(commands.CorrelationText(false, matrix, list));
+  const QStringList lines = matrix.split("\r\n");
+  EXPECT_EQ(lines.first(), "Correlation r\t" + model->SeriesCaption(date));
+  for (int i = 1; i + 2 < lines.size(); ++i) EXPECT_EQ(lines[i].count('\t'), 1) << i;
+  ASSERT_FALSE(list.isEmpty());
+  const QRegularExpression line("^\\S+: -?\\d+\\.\\d{1,8} / day \\(R²=\\d+%\\)$");
+  for (const QString& entry : list.split("\r\n", Qt::SkipEmptyParts))
+    EXPECT_TRUE(line.match(entry).hasMatch()) << entry.toStdString();
+}
+
+TEST_F(ChartCommandsTest, CompareChartFoldsFormatsAndLabelsEachSeries) {
+  ChartCommands commands(*model);
+  model->TabClicked(4);
+  const int first = model->Pages(4).FirstColumn;
+  const std::vector<int> chosen{first, first + 1};
+  auto bars = commands.MakeCompareChart(chosen, false);
+  ASSERT_TRUE(bars);
+  EXPECT_EQ(bars->ChartType(), 0);
+  EXPECT_EQ(bars->LegendData(),
+            QStringList({model->SeriesCaption(first), model->SeriesCaption(first + 1)}));
+  ASSERT_EQ(bars->SeriesData().size(), 2u);
+  EXPECT_EQ(bars->SeriesData()[1].Capacity(), model->Pages(4).Rows);
+  const int format =
+      CommonFormat(model->SeriesInfo(first + 1).Format, model->SeriesInfo(first).Format);
+  EXPECT_EQ(bars->Scale().YFormat, ChartFormatKind(format));
+  Save(*bars, "CompareBars.png");
+  auto histograms = commands.MakeCompareChart(chosen, true);
+  ASSERT_TRUE(histograms);
+  EXPECT_EQ(histograms->ChartType(), 2);
+  EXPECT_EQ(histograms->Scale().YFormat, kAxisPercent);
+  EXPECT_EQ(histograms->AxisCaption, model->PageTitle());
+  Save(*histograms, "CompareHistograms.png");
+}
+
 }  // namespace
 }  // namespace ombrelle::test
