@@ -8,6 +8,8 @@ packages=(cmake ninja-build g++ qt6-base-dev qt6-base-dev-tools libgl-dev
 if [ "${1:-build}" = test ]; then
   # Outside readers that check what the program writes.
   packages+=(imagemagick libxml2-utils xvfb xauth)
+  # GIF readers for the GIF writer's tests and the reference of its benchmark.
+  packages+=(giflib-tools gifsicle)
   # libFuzzer and its sanitizer runtimes for the fuzz targets.
   packages+=(clang-14 libclang-rt-14-dev)
 fi

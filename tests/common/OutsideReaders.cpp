@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
 
@@ -15,6 +16,57 @@ void ExpectXmllintAccepts(const QString& path) {
   ASSERT_TRUE(process.waitForFinished(60000));
   EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
   EXPECT_TRUE(process.readAllStandardError().isEmpty());
+}
+
+}  // namespace ombrelle::test
+
+namespace ombrelle::test {
+
+QByteArray RunOutsideReader(const QString& program, const QStringList& arguments) {
+  const QString path = QStandardPaths::findExecutable(program);
+  if (path.isEmpty()) {
+    ADD_FAILURE() << program.toStdString()
+                  << " is not installed (scripts/install-deps.sh test installs it)";
+    return {};
+  }
+  QProcess process;
+  process.start(path, arguments);
+  if (!process.waitForFinished(60000)) {
+    ADD_FAILURE() << program.toStdString() << " did not finish";
+    process.kill();
+    return {};
+  }
+  const QByteArray out = process.readAllStandardOutput();
+  if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
+    ADD_FAILURE() << program.toStdString() << " " << arguments.join(' ').toStdString()
+                  << " failed: " << process.readAllStandardError().toStdString();
+    return {};
+  }
+  return out;
+}
+
+QByteArray Gif2RgbPixels(const QString& path) {
+  // gif2rgb writes to a file only; -1 gives one file of red, green, blue.
+  const QString out = path + QStringLiteral(".rgb");
+  QFile::remove(out);
+  RunOutsideReader(QStringLiteral("gif2rgb"),
+                   {QStringLiteral("-1"), QStringLiteral("-o"), out, path});
+  QFile file(out);
+  if (!file.open(QIODevice::ReadOnly)) return {};
+  const QByteArray pixels = file.readAll();
+  file.close();
+  QFile::remove(out);
+  return pixels;
+}
+
+QByteArray ImageMagickRgbPixels(const QString& path) {
+  return RunOutsideReader(QStringLiteral("convert"),
+                          {QStringLiteral("-regard-warnings"), path, QStringLiteral("-depth"),
+                           QStringLiteral("8"), QStringLiteral("rgb:-")});
+}
+
+QString GiftextReport(const QString& path) {
+  return QString::fromLatin1(RunOutsideReader(QStringLiteral("giftext"), {path}));
 }
 
 }  // namespace ombrelle::test
