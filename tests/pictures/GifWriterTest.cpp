@@ -234,6 +234,43 @@ TEST(GifWriterTest, VariedPicturePassesCode4095SeveralTimes) {
   ExpectReadersShow(path, ExpectedRgb(picture));
 }
 
+struct ShapeCase {
+  int width, height, bits;
+  int pattern;  // 0 one colour, 1 stripes, 2 noise
+};
+
+class GifShapeTest : public ::testing::TestWithParam<ShapeCase> {};
+
+// Sizes and contents at the edges of the coder: one pixel, one column, long
+// runs of one colour (strings thousands of pixels long), every depth.
+TEST_P(GifShapeTest, ReadersShowTheSourcePixels) {
+  const ShapeCase& c = GetParam();
+  IndexedPicture picture;
+  picture.width = c.width;
+  picture.height = c.height;
+  picture.bitsPerPixel = c.bits;
+  for (int i = 0; i < (1 << c.bits); ++i)
+    picture.palette.push_back(RgbColor(i * 17 % 256, 255 - i, i * 101 % 256));
+  std::mt19937 random(c.width * 31 + c.height);
+  for (int i = 0; i < c.width * c.height; ++i) {
+    const int v = c.pattern == 0 ? 0 : c.pattern == 1 ? (i / 7) : int(random() % 256);
+    picture.pixels.push_back(std::uint8_t(v % (1 << c.bits)));
+  }
+  const QString path = OutDir() + QStringLiteral("/shape-%1x%2-%3-%4.gif")
+                                      .arg(c.width)
+                                      .arg(c.height)
+                                      .arg(c.bits)
+                                      .arg(c.pattern);
+  QString result;
+  ASSERT_TRUE(GIFSaver().Save(picture, path, result, QString(), std::nullopt));
+  ExpectReadersShow(path, ExpectedRgb(picture));
+}
+
+INSTANTIATE_TEST_SUITE_P(Shapes, GifShapeTest,
+                         ::testing::Values(ShapeCase{1, 1, 1, 0}, ShapeCase{1, 9, 2, 1},
+                                           ShapeCase{257, 3, 4, 2}, ShapeCase{400, 300, 1, 0},
+                                           ShapeCase{320, 200, 2, 2}, ShapeCase{123, 45, 8, 1}));
+
 TEST(GifWriterTest, ProgressReportsEveryRow) {
   IndexedPicture picture{2, 5, 1, {0, 0xFFFFFF}, std::vector<std::uint8_t>(10, 1)};
   GIFSaver saver;
