@@ -59,8 +59,10 @@ IndexedPicture FromIndexed(const BitmapData& picture) {
       }
     }
   }
+  // Entries past the highest index in use are left out, so that a table of
+  // 256 entries with a few colours in use takes fewer bits per pixel.
   out.palette = picture.ColorTable();
-  if (out.palette.size() <= highest) out.palette.resize(highest + 1, 0);
+  out.palette.resize(highest + 1, 0);
   out.bitsPerPixel = BitsFor(out.palette.size());
   return out;
 }

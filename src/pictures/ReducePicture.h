@@ -11,7 +11,8 @@ namespace ombrelle {
 class BitmapData;
 
 // Reduces a picture to at most 2^depth colours (depth 1 to 8) for the GIF
-// writer. A picture of 8 bits or fewer keeps its colour table and indices.
+// writer. A picture of 8 bits or fewer keeps its indices and its colour
+// table up to the highest index in use.
 // Deeper pictures: with a `palette` of colours that must stay, that list and
 // the transparent colour (white when none is given) are the palette when
 // they fit, else the octree reduces the list; without one, the octree finds

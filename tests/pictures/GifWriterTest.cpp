@@ -387,6 +387,13 @@ TEST(GifWriterTest, IndexedSourceKeepsTableAndFewestBits) {
   EXPECT_EQ(picture.bitsPerPixel, 1);
   EXPECT_EQ(picture.pixels, (std::vector<std::uint8_t>{1, 0, 1, 0}));
   EXPECT_EQ(picture.palette, (std::vector<std::uint32_t>{0x000000, 0xFFFFFF}));
+  // A table of 256 with indices up to 5 in use: six entries, three bits.
+  const std::uint8_t eight[4] = {5, 0, 2, 0};
+  std::vector<std::uint32_t> table(256, 0x808080);
+  ASSERT_TRUE(data.SetBits(4, 1, 8, eight, 4, table, true));
+  const IndexedPicture trimmed = ReducePicture(data, 8, std::nullopt, {});
+  EXPECT_EQ(trimmed.palette.size(), 6u);
+  EXPECT_EQ(trimmed.bitsPerPixel, 4);
 }
 
 TEST(GifWriterTest, UnreplaceableFileLeavesNothingAndSaysWhy) {
