@@ -1,5 +1,7 @@
 #include "support/ScriptedUiServices.h"
 
+#include <QPdfWriter>
+
 namespace ombrelle {
 
 namespace {
@@ -52,9 +54,18 @@ bool ScriptedUiServices::ShellOpen(const QString& pathOrUrl) {
 
 void ScriptedUiServices::SetClipboardText(const QString& text) { clipboardText = text; }
 
-void ScriptedUiServices::SetClipboardPicture(const QImage&, const QByteArray& emf) {
+void ScriptedUiServices::SetClipboardPicture(const QImage& image, const QByteArray& emf) {
   clipboardText.clear();
+  clipboardImage = image;
   clipboardEmf = emf;
+}
+
+std::unique_ptr<QPagedPaintDevice> ScriptedUiServices::OpenPrinter(const QString& documentName) {
+  printedDocuments.push_back(documentName);
+  if (printerPdf.isEmpty()) return nullptr;
+  auto writer = std::make_unique<QPdfWriter>(printerPdf);
+  writer->setTitle(documentName);
+  return writer;
 }
 
 QStringList ScriptedUiServices::MessageTexts() const {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <QByteArray>
+#include <QImage>
 
 #include "support/UiServices.h"
 
@@ -22,28 +23,34 @@ class ScriptedUiServices : public UiServices {
 
   int MsgBox(const QString& text, int style, const QString& title) override;
   void TextBox(const QString& title, const QString& text) override;
-  QString InputBox(const QString& prompt, const QString& title, const QString& defaultText) override;
+  QString InputBox(const QString& prompt, const QString& title,
+                   const QString& defaultText) override;
   QString SaveFileDialog(const FileDialogRequest& request) override;
   QString OpenFileDialog(const FileDialogRequest& request) override;
   QString BrowseFolder(const QString& title, const QString& folder) override;
   bool ShellOpen(const QString& pathOrUrl) override;
   void SetClipboardText(const QString& text) override;
   void SetClipboardPicture(const QImage& image, const QByteArray& emf) override;
+  // A PDF writer on `printerPdf` when that is set; else no printer.
+  std::unique_ptr<QPagedPaintDevice> OpenPrinter(const QString& documentName) override;
 
   // Answers, taken in order.
   std::deque<int> msgAnswers;
   std::deque<QString> inputAnswers;
-  std::deque<QString> fileAnswers;    // save, open and folder dialogs alike
+  std::deque<QString> fileAnswers;  // save, open and folder dialogs alike
 
   // What was asked.
   std::vector<Message> messages;
-  std::vector<Message> textBoxes;      // text and title; style 0
+  std::vector<Message> textBoxes;  // text and title; style 0
   std::vector<QString> inputPrompts;
   std::vector<FileDialogRequest> fileRequests;
   std::vector<QString> opened;
   QString clipboardText;
   QByteArray clipboardEmf;
-  int busyShown = 0;                   // times the cursor went from idle to busy
+  QImage clipboardImage;
+  QString printerPdf;            // where "the printer" writes; empty: none
+  QStringList printedDocuments;  // document names given to OpenPrinter
+  int busyShown = 0;             // times the cursor went from idle to busy
 
   // Texts of all messages, in order.
   QStringList MessageTexts() const;

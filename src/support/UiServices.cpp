@@ -2,6 +2,8 @@
 
 #include "support/ConsoleUiServices.h"
 
+#include <QPagedPaintDevice>
+
 namespace ombrelle {
 
 namespace {
@@ -21,6 +23,8 @@ void UiServices::EndBusy() {
   if (m_busy <= 0) return;  // an unmatched end must not drive the count negative
   if (--m_busy == 0) ShowBusy(false);
 }
+
+std::unique_ptr<QPagedPaintDevice> UiServices::OpenPrinter(const QString&) { return nullptr; }
 
 QString UiServices::AppTitle() { return QStringLiteral("Ombrelle Viewer"); }
 

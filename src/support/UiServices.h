@@ -1,10 +1,13 @@
 #pragma once
 
+#include <memory>
+
 #include <QString>
 #include <QStringList>
 
 class QImage;
 class QByteArray;
+class QPagedPaintDevice;
 
 namespace ombrelle {
 
@@ -29,10 +32,10 @@ constexpr int No = 7;
 // One file dialog request. `filter` uses Qt's form: "XML files (*.xml);;All files (*)".
 struct FileDialogRequest {
   QString title;
-  QString folder;       // starting folder; empty means the current one
-  QString fileName;     // proposed name (save) or selected name (open)
+  QString folder;    // starting folder; empty means the current one
+  QString fileName;  // proposed name (save) or selected name (open)
   QString filter;
-  QString defaultExtension;  // without the dot; added when the user typed none
+  QString defaultExtension;     // without the dot; added when the user typed none
   bool overwritePrompt = true;  // save dialogs ask before replacing a file
 };
 
@@ -66,6 +69,10 @@ class UiServices {
   virtual void SetClipboardText(const QString& text) = 0;
   // A picture goes to the clipboard as an image and, when given, as EMF bytes.
   virtual void SetClipboardPicture(const QImage& image, const QByteArray& emf) = 0;
+
+  // The default printer, set up for one document of this name and ready for a
+  // QPainter; null when there is none. Pictures print through it.
+  virtual std::unique_ptr<QPagedPaintDevice> OpenPrinter(const QString& documentName);
 
   // The counted busy cursor: shown while the count is above zero.
   void BeginBusy();

@@ -12,6 +12,8 @@
 #include <QInputDialog>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QPrinter>
+#include <QPrinterInfo>
 #include <QPushButton>
 #include <QScreen>
 #include <QUrl>
@@ -226,6 +228,13 @@ QMimeData* QtUiServices::CreatePictureData(const QImage& image, const QByteArray
 void QtUiServices::SetClipboardPicture(const QImage& image, const QByteArray& emf) {
   QGuiApplication::clipboard()->setMimeData(
       CreatePictureData(image, emf));  // the clipboard owns it
+}
+
+std::unique_ptr<QPagedPaintDevice> QtUiServices::OpenPrinter(const QString& documentName) {
+  auto printer = std::make_unique<QPrinter>(QPrinterInfo::defaultPrinter());
+  if (!printer->isValid()) return nullptr;
+  printer->setDocName(documentName);
+  return printer;
 }
 
 void QtUiServices::ShowBusy(bool busy) {

@@ -27,6 +27,8 @@ class QtUiServices : public UiServices {
   bool ShellOpen(const QString& pathOrUrl) override;
   void SetClipboardText(const QString& text) override;
   void SetClipboardPicture(const QImage& image, const QByteArray& emf) override;
+  // The system's default printer.
+  std::unique_ptr<QPagedPaintDevice> OpenPrinter(const QString& documentName) override;
 
   // The pieces the dialogs are made of, built but not shown.
 
