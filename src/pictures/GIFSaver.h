@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -9,6 +10,9 @@
 #include <QString>
 
 namespace ombrelle {
+
+class Bitmap;
+struct MetaPicture;
 
 // A picture of palette indices, as the GIF writer takes it.
 struct IndexedPicture {
@@ -44,11 +48,29 @@ class GIFSaver {
   bool Save(const IndexedPicture& picture, const QString& file, QString& result,
             const QString& comment, std::optional<std::uint32_t> transparent) const;
 
+  // A bitmap reduced to at most 2^depth colours by ReducePicture: `palette`
+  // lists colours that must stay; the transparent colour, when given, marks
+  // its palette entry.
+  bool Save(const Bitmap& picture, const QString& file, QString& result, int depth,
+            const QString& comment, const std::vector<std::uint32_t>& palette,
+            std::optional<std::uint32_t> transparent = {}) const;
+  // A recording at its own size. Without a palette it is played into a
+  // 32-bit bitmap and the octree finds its colours; with one, the palette
+  // and the transparent colour (white when none is given) are the colours
+  // of an 8-bit bitmap when at most 256, else the octree reduces that list.
+  // An empty comment takes the recording's description.
+  bool Save(const std::shared_ptr<const MetaPicture>& picture, const QString& file, QString& result,
+            int depth, const QString& comment, const std::vector<std::uint32_t>& palette,
+            std::optional<std::uint32_t> transparent = {}) const;
+
   // Writes `bytes` to `file` through a temporary name, as Save does.
   static bool WriteReplacing(const QString& file, const QByteArray& bytes, QString& result);
 
  private:
   Progress m_progress;
 };
+
+// A recording's description as a GIF comment: each NUL becomes CR LF.
+QString DescriptionComment(const QString& description);
 
 }  // namespace ombrelle
