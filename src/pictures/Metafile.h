@@ -5,7 +5,6 @@
 #include <optional>
 #include <vector>
 
-#include <QRectF>
 #include <QString>
 
 #include "pictures/MetaRecord.h"
@@ -16,6 +15,7 @@ class QPagedPaintDevice;
 namespace ombrelle {
 
 class Bitmap;
+class TextMeasure;
 
 // The font description a Metafile applies with ApplyFont: made on first use.
 struct MetafileFont {
@@ -128,8 +128,8 @@ class Metafile {
   void PlayCentered(QPainter& painter, float x1, float y1, float x2, float y2) const;
   // The device rectangles (left, top, right, bottom, inclusive) that Play and
   // PlayCentered use.
-  QRectF PlayArea(float x1, float y1, float x2, float y2, bool stretch) const;
-  QRectF CenteredArea(float x1, float y1, float x2, float y2) const;
+  MetaRect PlayArea(float x1, float y1, float x2, float y2, bool stretch) const;
+  MetaRect CenteredArea(float x1, float y1, float x2, float y2) const;
 
   // Closes the recording; needed before anything plays or saves it.
   void Ready();
@@ -196,6 +196,7 @@ class Metafile {
   MetaPen CallPen(std::optional<std::uint32_t> color, std::optional<int> width);
   MetaBrush BrushFor(std::uint32_t color);
   double Aspect() const;
+  const TextMeasure& Measure() const;
 
   std::shared_ptr<MetaPicture> m_picture;  // open while m_recording, then finished
   bool m_recording = false;
@@ -210,6 +211,7 @@ class Metafile {
   std::optional<MetafileFont> m_fontObject;
   MetaFont m_font;  // the font selected now
   std::vector<std::uint32_t> m_colors;
+  mutable std::shared_ptr<TextMeasure> m_measure;  // for m_font in m_mode
 };
 
 }  // namespace ombrelle
