@@ -20,6 +20,59 @@ void ExpectXmllintAccepts(const QString& path) {
 
 }  // namespace ombrelle::test
 
+#include <QImage>
+
+namespace ombrelle::test {
+
+namespace {
+
+// Runs `program` with `arguments`, feeding `input`; the standard output, or
+// an empty array and a test failure.
+QByteArray RunReader(const QString& program, const QStringList& arguments,
+                     const QByteArray& input = {}) {
+  const QString path = QStandardPaths::findExecutable(program);
+  if (path.isEmpty()) {
+    ADD_FAILURE() << program.toStdString() << " is not installed (scripts/install-deps.sh test)";
+    return {};
+  }
+  QProcess process;
+  process.start(path, arguments);
+  if (!input.isEmpty()) process.write(input);
+  process.closeWriteChannel();
+  if (!process.waitForFinished(60000) || process.exitCode() != 0) {
+    ADD_FAILURE() << program.toStdString()
+                  << " failed: " << process.readAllStandardError().toStdString();
+    return {};
+  }
+  return process.readAllStandardOutput();
+}
+
+// A binary PPM (P6, maxval 255) as an image.
+QImage FromPpm(const QByteArray& ppm) {
+  QImage image;
+  if (!image.loadFromData(ppm, "PPM")) ADD_FAILURE() << "not a PPM image";
+  return image.convertToFormat(QImage::Format_RGB32);
+}
+
+}  // namespace
+
+QImage DecodeWithImageMagick(const QString& path) {
+  const QByteArray ppm =
+      RunReader(QStringLiteral("convert"),
+                {QStringLiteral("-regard-warnings"), path, QStringLiteral("-depth"),
+                 QStringLiteral("8"), QStringLiteral("ppm:-")});
+  return ppm.isEmpty() ? QImage() : FromPpm(ppm);
+}
+
+QImage DecodeWithBmptopnm(const QString& path) {
+  const QByteArray pnm = RunReader(QStringLiteral("bmptopnm"), {path});
+  if (pnm.isEmpty()) return {};
+  const QByteArray ppm = RunReader(QStringLiteral("ppmtoppm"), {}, pnm);
+  return ppm.isEmpty() ? QImage() : FromPpm(ppm);
+}
+
+}  // namespace ombrelle::test
+
 namespace ombrelle::test {
 
 QByteArray RunOutsideReader(const QString& program, const QStringList& arguments) {

@@ -12,6 +12,18 @@ void ExpectXmllintAccepts(const QString& path);
 
 }  // namespace ombrelle::test
 
+class QImage;
+
+namespace ombrelle::test {
+
+// The pixels of a BMP file as decoded by ImageMagick (`convert`) and by
+// netpbm (`bmptopnm`), as 32-bit colours; a null image and a test failure
+// when the reader refuses the file or is not installed.
+QImage DecodeWithImageMagick(const QString& path);
+QImage DecodeWithBmptopnm(const QString& path);
+
+}  // namespace ombrelle::test
+
 namespace ombrelle::test {
 
 // GIF readers (giflib-tools, ImageMagick). Each fails the test when its
