@@ -228,7 +228,7 @@ QByteArray ImageMagickRgbPixels(const QString& path) {
 }
 
 QString GiftextReport(const QString& path) {
-  return QString::fromLatin1(RunOutsideReader(QStringLiteral("giftext"), {path}));
+  return QString::fromLatin1(OutsideReaderOutput(QStringLiteral("giftext"), {path}));
 }
 
 }  // namespace ombrelle::test
