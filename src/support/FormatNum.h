@@ -36,6 +36,12 @@ int OrderOfMagnitude(double value);
 // The general form of a double: up to 15 significant digits, fixed notation
 // for exponents -4 to 14, else "1.5E+16" / "1E-05".
 QString GeneralNumber(double value);
+// The cell style of FormatMetric as ASCII bytes written to `out` (room for
+// kNumberCharsMax of NumberChars.h); the number of bytes, or -1 for a date
+// whose locale pattern has more than day, month, year and plain separators,
+// which only FormatMetric writes.
+int FormatMetricChars(int format, double value, char* out);
+
 // The program version: "major.minor", and with `full` "major.minor.revision".
 QString VersionText(bool full);
 
