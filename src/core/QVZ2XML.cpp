@@ -4,6 +4,7 @@
 #include <cstring>
 #include <exception>
 #include <new>
+#include <string_view>
 #include <vector>
 
 #include <QStringList>
@@ -14,7 +15,9 @@
 #include "stats/CStats.h"
 #include "support/FileIO.h"
 #include "support/Filename.h"
+#include "core/XmlText.h"
 #include "support/FormatNum.h"
+#include "support/NumberChars.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
@@ -216,15 +219,33 @@ void QVZ2XML::WriteMetric(int metric) {
   out.WriteEscaped(definitions.GetMetricName(metric, NameDescription));
   out.Write("'>\r\n");
   const int32_t count = column.count();
+  static constexpr std::string_view kOpen = "   <value display='";
+  static constexpr std::string_view kMiddle = "'>";
+  static constexpr std::string_view kClose = "</value>\r\n";
+  static constexpr qsizetype kLineMax =
+      kOpen.size() + kNumberCharsMax + kMiddle.size() + kXmlNumberMaxBytes + kClose.size();
   for (int32_t i = 1; i <= count && !out.Failed(); ++i) {
     const double value = column.ValueAtIndex(i);
-    out.Write("   <value display='");
-    // The display texts are ASCII already; escaping only guards against a
-    // locale whose date pattern holds other characters.
+    // The whole line goes straight into the output buffer.
+    char* const line = out.Claim(kLineMax);
+    const int display = line ? FormatMetricChars(format, value, line + kOpen.size()) : -1;
+    if (display >= 0) {
+      std::memcpy(line, kOpen.data(), kOpen.size());
+      char* p = line + kOpen.size() + display;
+      std::memcpy(p, kMiddle.data(), kMiddle.size());
+      p += kMiddle.size();
+      p += XmlNumber(value, p);
+      std::memcpy(p, kClose.data(), kClose.size());
+      out.Advance(p + kClose.size() - line);
+      continue;
+    }
+    // A date in a locale pattern of more than digits and separators: its
+    // text comes from the locale and may need escaping.
+    out.Write(kOpen);
     out.WriteEscaped(FormatMetric(format, value));
-    out.Write("'>");
+    out.Write(kMiddle);
     out.WriteNumber(value);
-    out.Write("</value>\r\n");
+    out.Write(kClose);
   }
   out.Write("  </metric>\r\n");
 }
