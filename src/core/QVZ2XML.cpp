@@ -1,6 +1,7 @@
 #include "core/QVZ2XML.h"
 
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 #include <exception>
 #include <new>
@@ -205,8 +206,9 @@ void QVZ2XML::WriteClassStart(int metricClass) {
 void QVZ2XML::WriteMetric(int metric) {
   XmlOutputFile& out = m_file;
   const MetricDefinitions& definitions = m_reader->Definitions();
-  CStats column = m_reader->GetValues(metric);
-  column.CalcStatsQuick();
+  // GetValues has computed the column's statistics already; the values are
+  // read as they stand.
+  const CStats column = m_reader->GetValues(metric);
   const int format = definitions.GetMetricFormat(metric);
 
   out.Write("  <metric id='");
@@ -226,15 +228,23 @@ void QVZ2XML::WriteMetric(int metric) {
       kOpen.size() + kNumberCharsMax + kMiddle.size() + kXmlNumberMaxBytes + kClose.size();
   for (int32_t i = 1; i <= count && !out.Failed(); ++i) {
     const double value = column.ValueAtIndex(i);
+    // A fraction's digits are found once for its display and its raw form;
+    // whole numbers take an integer road in both.
+    DecimalDigits digits;
+    const DecimalDigits* known = nullptr;
+    if (std::isfinite(value) && !(std::fabs(value) < 1e15 && value == std::trunc(value))) {
+      ShortestDigits(value, digits);
+      known = &digits;
+    }
     // The whole line goes straight into the output buffer.
     char* const line = out.Claim(kLineMax);
-    const int display = line ? FormatMetricChars(format, value, line + kOpen.size()) : -1;
+    const int display = line ? FormatMetricChars(format, value, known, line + kOpen.size()) : -1;
     if (display >= 0) {
       std::memcpy(line, kOpen.data(), kOpen.size());
       char* p = line + kOpen.size() + display;
       std::memcpy(p, kMiddle.data(), kMiddle.size());
       p += kMiddle.size();
-      p += XmlNumber(value, p);
+      p += XmlNumber(value, known, p);
       std::memcpy(p, kClose.data(), kClose.size());
       out.Advance(p + kClose.size() - line);
       continue;

@@ -44,7 +44,9 @@ void EscapeXmlInPlace(QString& text) {
   }
 }
 
-int XmlNumber(double value, char* out) {
+int XmlNumber(double value, char* out) { return XmlNumber(value, nullptr, out); }
+
+int XmlNumber(double value, const DecimalDigits* known, char* out) {
   if (std::isnan(value)) {
     std::memcpy(out, "NaN", 3);
     return 3;
@@ -71,7 +73,10 @@ int XmlNumber(double value, char* out) {
   // read back are no more than fifteen they are that rounding already: a
   // normal double lies closer to them than half a step of fifteen digits.
   DecimalDigits shortest;
-  ShortestDigits(value, shortest);
+  if (known)
+    shortest = *known;
+  else
+    ShortestDigits(value, shortest);
   char sci[kXmlNumberMaxBytes];
   char digitsRounded[15];
   const char* digits = shortest.Digits;

@@ -41,7 +41,11 @@ QString RoundDecimal(double value, int decimals) {
 // below a million, then "k" and "M".
 int ShortWholeChars(double value, char* out) {
   if (!std::isfinite(value)) return NonFiniteChars(value, out);
-  if (value < 1000) return RoundDecimalChars(std::trunc(value), 0, out);
+  if (value < 1000) {
+    const double whole = std::trunc(value);
+    if (whole > -1e15) return IntegerChars(static_cast<long long>(whole), out);  // -0 reads "0"
+    return RoundDecimalChars(whole, 0, out);
+  }
   if (value < 1e6) {
     // Half away from zero to a whole number.
     const long long whole = std::llround(value);
@@ -231,12 +235,26 @@ QString FormatDateShort(double date) {
   return QLocale().toString(DateToQDate(date), DateShort().Pattern);
 }
 
+namespace {
+
+// `value` to `decimals` places, on its digits when they are at hand.
+int RoundChars(double value, const DecimalDigits* digits, int decimals, char* out) {
+  return digits ? RoundDecimalChars(value, *digits, decimals, out)
+                : RoundDecimalChars(value, decimals, out);
+}
+
+}  // namespace
+
 int FormatMetricChars(int format, double value, char* out) {
+  return FormatMetricChars(format, value, nullptr, out);
+}
+
+int FormatMetricChars(int format, double value, const DecimalDigits* digits, char* out) {
   if (!std::isfinite(value)) return NonFiniteChars(value, out);
   switch (format) {
     case 0:
       return value == std::trunc(value) ? ShortWholeChars(value, out)
-                                        : RoundDecimalChars(value, 2, out);
+                                        : RoundChars(value, digits, 2, out);
     case 1:
     case 2:
       return ShortWholeChars(value, out);
@@ -246,20 +264,20 @@ int FormatMetricChars(int format, double value, char* out) {
       return PercentChars(value, out);
     case 6:
     case 8:
-      return RoundDecimalChars(value, 2, out);
+      return RoundChars(value, digits, 2, out);
     case 7:
-      return RoundDecimalChars(value, 1, out);
+      return RoundChars(value, digits, 1, out);
     case 9:
       return DateShortChars(value, out);
     case 10: {
       const int m = OrderOfMagnitude(value);
-      if (m < 0) return RoundDecimalChars(value, std::min(6, SizeDecimals(m)), out);
+      if (m < 0) return RoundChars(value, digits, std::min(6, SizeDecimals(m)), out);
       if (m > 0) return ShortWholeChars(value, out);
-      return RoundDecimalChars(value, 2, out);
+      return RoundChars(value, digits, 2, out);
     }
     default: {
       // Rounded to 2 decimals, then in the general form.
-      const int n = RoundDecimalChars(value, 2, out);
+      const int n = RoundChars(value, digits, 2, out);
       double rounded = 0;
       std::from_chars(out, out + n, rounded);
       return GeneralChars(rounded, out);

@@ -4,6 +4,8 @@
 
 namespace ombrelle {
 
+struct DecimalDigits;
+
 // The one road from a metric's value to text, so that every table, report and
 // export agrees. Format codes: 0 automatic, 1 whole number, 2 large whole
 // number, 3 to 5 percentage, 6 and 8 ratio, 7 average, 9 date, 10 by size.
@@ -41,6 +43,8 @@ QString GeneralNumber(double value);
 // whose locale pattern has more than day, month, year and plain separators,
 // which only FormatMetric writes.
 int FormatMetricChars(int format, double value, char* out);
+// The same with the ShortestDigits of `value` at hand (or null).
+int FormatMetricChars(int format, double value, const DecimalDigits* digits, char* out);
 
 // The program version: "major.minor", and with `full` "major.minor.revision".
 QString VersionText(bool full);

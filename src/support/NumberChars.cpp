@@ -108,6 +108,16 @@ int RoundDecimalChars(double value, const DecimalDigits& digits, int decimals, c
 
 int RoundDecimalChars(double value, int decimals, char* out) {
   if (!std::isfinite(value)) return NonFiniteChars(value, out);
+  if (std::fabs(value) < 1e15 && value == std::trunc(value)) {
+    // A whole number: its digits, then zeros behind the point.
+    int n = IntegerChars(static_cast<long long>(value), out);  // -0 reads "0"
+    if (decimals > 0) {
+      out[n++] = '.';
+      std::memset(out + n, '0', static_cast<size_t>(decimals));
+      n += decimals;
+    }
+    return n;
+  }
   DecimalDigits digits;
   ShortestDigits(value, digits);
   return RoundDecimalChars(value, digits, decimals, out);
