@@ -25,6 +25,7 @@
 #include "shell/ui/AboutBox.h"
 #include "shell/ui/ComboBinding.h"
 #include "shell/ui/StatsFrame.h"
+#include "shell/ui/TableMenus.h"
 #include "support/UiServices.h"
 #include "support/ui/WindowPlacementUi.h"
 
@@ -209,8 +210,8 @@ QAction* frmMetrics::AddEntry(QMenu* menu, const QString& name, const QString& c
 void frmMetrics::BuildMenus() {
   QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
   file->setObjectName(QStringLiteral("mFile"));
-  connect(AddEntry(file, QStringLiteral("mFileClose"), QStringLiteral("E&xit")),
-          &QAction::triggered, this, &QWidget::close);
+  QAction* fileExit = AddEntry(file, QStringLiteral("mFileClose"), QStringLiteral("E&xit"));
+  connect(fileExit, &QAction::triggered, this, &QWidget::close);
 
   QMenu* options = menuBar()->addMenu(QStringLiteral("&Options"));
   options->setObjectName(QStringLiteral("mOptions"));
@@ -233,6 +234,8 @@ void frmMetrics::BuildMenus() {
           &QAction::triggered, this, [] { ShowHelpContents(); });
   connect(AddEntry(help, QStringLiteral("mHelpAbout"), QStringLiteral("&About Ombrelle")),
           &QAction::triggered, this, &frmMetrics::ShowAbout);
+
+  AddTableMenus(*this, m_model, file, fileExit);
 }
 
 void frmMetrics::Load(const QString& inputFile, bool about, int aboutMs) {
