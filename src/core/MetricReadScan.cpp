@@ -110,8 +110,8 @@ void MetricRead::AddDatabaseEntry(const QString& path, QString lowerPath,
   DatabaseEntry entry;
   entry.Header = header;
   entry.Path = path;
-  entry.AnalysisDate =
-      ParseTimestamp14(header.AnalysisStamp.data(), static_cast<qsizetype>(header.AnalysisStamp.size()));
+  entry.AnalysisDate = ParseTimestamp14(header.AnalysisStamp.data(),
+                                        static_cast<qsizetype>(header.AnalysisStamp.size()));
   entry.FileDate = fileDate;
   entry.Project = QVZRead::ProjectFilename(header);
   entry.Title = QVZRead::Title(header);
@@ -170,7 +170,8 @@ void MetricRead::SortDatabases() {
     at[p] = p;
     tree[static_cast<size_t>(leaves + p)] = {rank[p], p};
   }
-  for (int node = leaves - 1; node >= 1; --node) tree[node] = std::min(tree[2 * node], tree[2 * node + 1]);
+  for (int node = leaves - 1; node >= 1; --node)
+    tree[node] = std::min(tree[2 * node], tree[2 * node + 1]);
   for (int i = 0; i < n - 1; ++i) {
     const int pick = tree[1].second;
     if (pick != i) {

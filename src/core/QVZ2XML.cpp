@@ -8,15 +8,15 @@
 #include <string_view>
 #include <vector>
 
-#include <QStringList>
 #include <QFileInfo>
+#include <QStringList>
 
 #include "core/MetricDefinitions.h"
 #include "core/MetricRead.h"
+#include "core/XmlText.h"
 #include "stats/CStats.h"
 #include "support/FileIO.h"
 #include "support/Filename.h"
-#include "core/XmlText.h"
 #include "support/FormatNum.h"
 #include "support/NumberChars.h"
 #include "support/UiServices.h"

@@ -213,7 +213,7 @@ bool QVZRead::ReadHeader(const QString& file, DatabaseHeader& header, bool showE
 }
 
 QVZRead::HeaderVerdict QVZRead::CheckHeader(const DatabaseHeader& header, qint64 fileLength,
-                                             bool verifyChecksum) {
+                                            bool verifyChecksum) {
   if (std::memcmp(header.Magic.data(), kQvzMagic, 8) != 0) return HeaderVerdict::BadFormat;
   const double whole = std::trunc(static_cast<double>(header.Version));
   if (!(whole >= 1.0 && whole <= 3.0)) return HeaderVerdict::BadVersion;

@@ -27,11 +27,26 @@ std::string RawBefore(double value) {
 }
 
 TEST(XmlNumberRoad, SameBytesAsTheFifteenDigitRoad) {
-  for (double value :
-       {0.5, -0.5, 1e20, -1e20, 1.5e-5, 0.1 + 0.2, 1.0 / 3, 9.999999999999999e14, 1e15 + 0.5,
-        123456789012345.6, 0.30000000000000004, 9.9999999999999995e-5, DBL_MAX, DBL_MIN,
-        5e-324, -5e-324, 2.2250738585072009e-308, std::nextafter(DBL_MIN, 0.0),
-        std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+  for (double value : {0.5,
+                       -0.5,
+                       1e20,
+                       -1e20,
+                       1.5e-5,
+                       0.1 + 0.2,
+                       1.0 / 3,
+                       9.999999999999999e14,
+                       1e15 + 0.5,
+                       123456789012345.6,
+                       0.30000000000000004,
+                       9.9999999999999995e-5,
+                       DBL_MAX,
+                       DBL_MIN,
+                       5e-324,
+                       -5e-324,
+                       2.2250738585072009e-308,
+                       std::nextafter(DBL_MIN, 0.0),
+                       std::numeric_limits<double>::quiet_NaN(),
+                       std::numeric_limits<double>::infinity()}) {
     ASSERT_EQ(Raw(value), RawBefore(value)) << value;
   }
   std::mt19937_64 random(26);

@@ -122,8 +122,7 @@ TEST(FormatNumRoad, EveryFormatWritesWhatTheQStringRoadWrote) {
     ASSERT_EQ(GeneralNumber(value), reference::GeneralNumber(value));
     ASSERT_EQ(FormatPercent(value), reference::FormatPercent(value));
     for (int decimals : {-1, 0, 1, 2, 3, 6, 15, 17, 330, 401, 450}) {
-      ASSERT_EQ(FormatFixed(value, decimals), reference::FormatFixed(value, decimals))
-          << decimals;
+      ASSERT_EQ(FormatFixed(value, decimals), reference::FormatFixed(value, decimals)) << decimals;
     }
   }
   EXPECT_GT(compared, 180000);
@@ -138,8 +137,8 @@ TEST(FormatNumRoad, ShortDatesOfSeveralLocalesWriteWhatTheLocaleWrote) {
     QLocale::setDefault(locale);
     ResetDateShortPattern();
     reference::ResetDateShortPattern();
-    for (double date : {0.0, 1.0, 45283.0, 45283.75, -1.25, -700000.0, 2958465.0, 2999999.0,
-                        3e6, 9.5, 40000.5, 44927.0}) {
+    for (double date : {0.0, 1.0, 45283.0, 45283.75, -1.25, -700000.0, 2958465.0, 2999999.0, 3e6,
+                        9.5, 40000.5, 44927.0}) {
       SCOPED_TRACE(testing::Message() << locale.name().toStdString() << " " << date);
       const QString expected = reference::FormatMetric(9, date);
       EXPECT_EQ(FormatMetric(9, date), expected);
