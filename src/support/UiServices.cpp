@@ -22,6 +22,17 @@ void UiServices::EndBusy() {
   if (--m_busy == 0) ShowBusy(false);
 }
 
+QString UiServices::ChooseFolder(const FolderRequest& request) {
+  QString folder = request.folder;
+  for (;;) {
+    const QString answer =
+        BrowseFolder(request.prompt.isEmpty() ? request.title : request.prompt, folder);
+    if (answer.isEmpty()) return QString();
+    if (!request.accept || request.accept(answer)) return answer;
+    folder = answer;
+  }
+}
+
 QString UiServices::AppTitle() { return QStringLiteral("Ombrelle Viewer"); }
 
 UiServices& Ui() { return g_current ? *g_current : ConsoleService(); }

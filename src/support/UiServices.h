@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QString>
 #include <QStringList>
 
@@ -29,11 +31,27 @@ constexpr int No = 7;
 // One file dialog request. `filter` uses Qt's form: "XML files (*.xml);;All files (*)".
 struct FileDialogRequest {
   QString title;
-  QString folder;       // starting folder; empty means the current one
-  QString fileName;     // proposed name (save) or selected name (open)
+  QString folder;    // starting folder; empty means the current one
+  QString fileName;  // proposed name (save) or selected name (open)
   QString filter;
-  QString defaultExtension;  // without the dot; added when the user typed none
+  QString defaultExtension;     // without the dot; added when the user typed none
   bool overwritePrompt = true;  // save dialogs ask before replacing a file
+};
+
+// One folder chooser request: the chooser stays open until `accept` takes
+// the chosen folder (it shows its own messages) or the user cancels.
+struct FolderRequest {
+  QString title;
+  QString prompt;
+  QString folder;                              // the folder shown first
+  bool allowCreate = true;                     // the chooser may make new folders
+  bool showKill = false;                       // offers "Delete all files"
+  std::function<bool(const QString&)> accept;  // the checks of "Select"
+  // Actions of the chooser's buttons, for choosers that show them.
+  std::function<bool(const QString&)> create;
+  std::function<void(const QString&)> view;
+  std::function<void(const QString&)> kill;
+  std::function<bool(const QString&)> warnNotEmpty;  // whether to show the warning
 };
 
 // The one road from the program to its user: every message, question, input
@@ -59,6 +77,9 @@ class UiServices {
   virtual QString SaveFileDialog(const FileDialogRequest& request) = 0;
   virtual QString OpenFileDialog(const FileDialogRequest& request) = 0;
   virtual QString BrowseFolder(const QString& title, const QString& folder) = 0;
+  // The program's folder chooser. By default a BrowseFolder per attempt,
+  // asked again from the refused folder until `accept` takes one.
+  virtual QString ChooseFolder(const FolderRequest& request);
 
   // Opens a file or address with the desktop's default handler.
   virtual bool ShellOpen(const QString& pathOrUrl) = 0;

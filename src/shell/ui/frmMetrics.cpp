@@ -24,6 +24,7 @@
 #include "shell/StartupState.h"
 #include "shell/ui/AboutBox.h"
 #include "shell/ui/ComboBinding.h"
+#include "shell/ui/DatabasesMenu.h"
 #include "shell/ui/StatsFrame.h"
 #include "support/UiServices.h"
 #include "support/ui/WindowPlacementUi.h"
@@ -209,6 +210,7 @@ QAction* frmMetrics::AddEntry(QMenu* menu, const QString& name, const QString& c
 void frmMetrics::BuildMenus() {
   QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
   file->setObjectName(QStringLiteral("mFile"));
+  AddDatabasesMenuEntry(*file, m_model, *this);
   connect(AddEntry(file, QStringLiteral("mFileClose"), QStringLiteral("E&xit")),
           &QAction::triggered, this, &QWidget::close);
 
