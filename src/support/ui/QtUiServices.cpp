@@ -16,6 +16,7 @@
 #include <QScreen>
 #include <QUrl>
 #include <QVBoxLayout>
+#include "support/ui/SelectFolderDialog.h"
 
 namespace ombrelle {
 
@@ -205,6 +206,11 @@ QString QtUiServices::OpenFileDialog(const FileDialogRequest& request) {
 
 QString QtUiServices::BrowseFolder(const QString& title, const QString& folder) {
   return QFileDialog::getExistingDirectory(DialogParent(), CaptionOr(title), folder);
+}
+
+QString QtUiServices::ChooseFolder(const FolderRequest& request) {
+  SelectFolderDialog dialog(request, DialogParent());
+  return dialog.exec() == QDialog::Accepted ? dialog.Folder() : QString();
 }
 
 bool QtUiServices::ShellOpen(const QString& pathOrUrl) {
