@@ -26,7 +26,9 @@
 #include "shell/StartupState.h"
 #include "shell/ui/frmMetrics.h"
 #include "support/ScriptedUiServices.h"
+#include "support/SelectFolder.h"
 #include "support/SettingsStore.h"
+#include "support/ui/SelectFolderDialog.h"
 
 namespace ombrelle {
 namespace {
@@ -63,7 +65,7 @@ TEST(DatabaseManagerXvfb, RunsTheWindowTestUnderXvfb) {
   ASSERT_TRUE(run.waitForFinished(240000));
   const QByteArray output = run.readAll();
   EXPECT_EQ(run.exitCode(), 0) << output.toStdString();
-  EXPECT_TRUE(output.contains("[  PASSED  ] 1 test")) << output.toStdString();
+  EXPECT_TRUE(output.contains("[  PASSED  ] 2 tests")) << output.toStdString();
 }
 
 TEST(DatabaseManagerWindow, RenameDeleteEditThenTheMainWindowList) {
@@ -175,6 +177,45 @@ TEST(DatabaseManagerWindow, RenameDeleteEditThenTheMainWindowList) {
   window.reset();
   Startup() = saved;
   SetSettingsFilePath(previous);
+}
+
+// The folder chooser of a target that is to be empty: the warning shows for a
+// folder with files, "&Select" on a name that is no folder keeps it open.
+TEST(DatabaseManagerWindow, FolderChooser) {
+  if (!qEnvironmentVariableIsSet(kInnerFlag)) GTEST_SKIP() << "runs under xvfb-run";
+  QTemporaryDir dir;
+  QFile file(dir.filePath(QStringLiteral("held.txt")));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.close();
+  ScopedScriptedUi ui;
+  FolderRequest request;
+  request.title = QStringLiteral("Select directory");
+  request.prompt = QStringLiteral("Choose directory for saving metrics files in");
+  request.folder = dir.path();
+  request.showKill = true;
+  request.accept = [](const QString& name) { return SelectFolder::CheckEmptyTarget(name, true); };
+  request.create = &SelectFolder::Create;
+  request.view = &SelectFolder::View;
+  request.kill = [](const QString& name) { SelectFolder::DeleteAllFiles(name); };
+  request.warnNotEmpty = &SelectFolder::NotEmpty;
+  SelectFolderDialog dialog(request);
+  dialog.show();
+  Settle();
+  EXPECT_TRUE(dialog.findChild<QLabel*>(QStringLiteral("WarnNotEmpty"))->isVisible());
+  Shot(dialog, QStringLiteral("folder-chooser"));
+  dialog.DirName().setText(file.fileName());
+  dialog.findChild<QPushButton*>(QStringLiteral("OK"))->click();
+  EXPECT_TRUE(dialog.isVisible());
+  EXPECT_EQ(ui.ui.MessageTexts(),
+            QStringList{file.fileName() + QStringLiteral(" is not a directory.")});
+  ui.ui.msgAnswers.push_back(MsgResult::Yes);
+  dialog.DirName().setText(dir.path());
+  dialog.findChild<QPushButton*>(QStringLiteral("bKill"))->click();
+  Settle();
+  EXPECT_FALSE(QFile::exists(file.fileName()));
+  EXPECT_FALSE(dialog.findChild<QLabel*>(QStringLiteral("WarnNotEmpty"))->isVisible());
+  dialog.findChild<QPushButton*>(QStringLiteral("OK"))->click();
+  EXPECT_EQ(dialog.Folder(), dir.path());
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include <QScreen>
 #include <QUrl>
 #include <QVBoxLayout>
+
 #include "support/ui/SelectFolderDialog.h"
 
 namespace ombrelle {
