@@ -31,7 +31,7 @@ QString SelectFolder::GetAnyFolder(const QString& folder, const QString& prompt,
                                    const QString& preset) {
   FolderRequest request = BaseRequest(preset.isEmpty() ? folder : JoinPath(folder, preset), prompt);
   request.allowCreate = allowCreate;
-  request.accept = [allowCreate](const QString& name) { return CheckAnyTarget(name, allowCreate); };
+  request.accept = &SelectFolder::CheckAnyTarget;
   return Ui().ChooseFolder(request);
 }
 
@@ -62,9 +62,8 @@ bool SelectFolder::CheckEmptyTarget(const QString& name, bool emptyCheck) {
   return WriteTest(name);
 }
 
-bool SelectFolder::CheckAnyTarget(const QString& name, bool allowCreate) {
-  if (FolderExists(name)) return true;
-  if (allowCreate && !FileExists(name)) return Create(name);
+bool SelectFolder::CheckAnyTarget(const QString& name) {
+  if (!FileExists(name)) return true;
   Exclaim(name + QStringLiteral(" is not a directory."));
   return false;
 }

@@ -10,9 +10,9 @@ namespace ombrelle {
 // into these routines; messages go through the same service.
 class SelectFolder {
  public:
-  // Lets the user pick an existing folder or, with `allowCreate`, name a new
-  // one, which is then made. `preset` is a name below `folder` to start on.
-  // "" when cancelled.
+  // Lets the user pick an existing folder or name a new one; `allowCreate`
+  // offers "&Create". `preset` is a name below `folder` to start on. "" when
+  // cancelled.
   static QString GetAnyFolder(const QString& folder, const QString& prompt, bool allowCreate = true,
                               const QString& preset = {});
   // Lets the user pick a folder that is to receive files: it must be a
@@ -27,9 +27,10 @@ class SelectFolder {
   // directory.", with `emptyCheck` "Directory not empty." and "Directory ...
   // has sub-directories.", then the write test. True when the folder is taken.
   static bool CheckEmptyTarget(const QString& name, bool emptyCheck);
-  // "Select" for any folder: a missing one is made when `allowCreate`, else
+  // "Select" for any folder: an existing folder or a name that is still free
+  // (the caller decides what a missing folder means); a file of that name is
   // refused with "... is not a directory.".
-  static bool CheckAnyTarget(const QString& name, bool allowCreate);
+  static bool CheckAnyTarget(const QString& name);
   // Writes and deletes a file "$test...tmp" in `folder`; the messages
   // "Cannot write to directory" and "Internal error. Cannot get unique
   // filename in " on failure.

@@ -79,10 +79,14 @@ TEST_F(HeaderDialogModel, FileThatCannotBeOpened) {
   const QString path = m_dir.filePath(QStringLiteral("missing.qvz"));
   QVZEditModel model;
   EXPECT_FALSE(model.Open(path));
-  ASSERT_EQ(m_ui.ui.messages.size(), 1u);
-  EXPECT_TRUE(
-      m_ui.ui.messages[0].text.endsWith(QStringLiteral("\r\nCannot open file:\r\n") + path));
-  EXPECT_EQ(m_ui.ui.messages[0].style, MsgStyle::Exclamation);
+  // The reader's own box, then the dialog's with the reader's reason.
+  ASSERT_EQ(m_ui.ui.messages.size(), 2u);
+  EXPECT_UI_MESSAGE(m_ui.ui, 0, ("Metrics database file doesn't exist:\r\n" + path).toStdString(),
+                    MsgStyle::Exclamation);
+  EXPECT_UI_MESSAGE(
+      m_ui.ui, 1,
+      ("Database header verification failed.\r\nCannot open file:\r\n" + path).toStdString(),
+      MsgStyle::Exclamation);
 }
 
 // Each refused input: the message, the field that takes the focus, and the

@@ -79,13 +79,16 @@ TEST_F(SelectFolderTest, GetEmptyFolderAsksAgainUntilAFolderPasses) {
   EXPECT_TRUE(SelectFolder::GetEmptyFolder(empty, 0, QStringLiteral("Target"), true).isEmpty());
 }
 
-TEST_F(SelectFolderTest, AnyFolderIsMadeWhenAllowed) {
+TEST_F(SelectFolderTest, AnyFolderRefusesOnlyAFile) {
+  const QString file = Sub(QStringLiteral("plain.txt"));
+  Touch(file);
   const QString fresh = Sub(QStringLiteral("new/deeper"));
-  m_ui.ui.fileAnswers = {fresh};
+  m_ui.ui.fileAnswers = {file, fresh};
   EXPECT_EQ(SelectFolder::GetAnyFolder(m_dir.path(), QStringLiteral("Pick")), fresh);
+  EXPECT_EQ(m_ui.ui.MessageTexts(), QStringList{file + " is not a directory."});
+  EXPECT_EQ(m_ui.ui.fileRequests.at(0).title, QStringLiteral("Pick"));
+  EXPECT_TRUE(SelectFolder::Create(fresh));
   EXPECT_TRUE(QFileInfo(fresh).isDir());
-  EXPECT_FALSE(SelectFolder::CheckAnyTarget(Sub(QStringLiteral("not/made")), false));
-  EXPECT_EQ(m_ui.ui.MessageTexts(), QStringList{Sub("not/made") + " is not a directory."});
 }
 
 TEST_F(SelectFolderTest, DeleteAllFilesAsksAndKeepsSubfolders) {
