@@ -113,7 +113,7 @@ frmMetricDatabases::frmMetricDatabases(QWidget* parent)
   connect(m_fileList, &QWidget::customContextMenuRequested, this, &frmMetricDatabases::ShowPopup);
   m_model.SetChangedHandler([this] { Sync(); });
 
-  resize(640, 440);
+  resize(820, 480);
   RestoreWindowPlacement(*this);
   m_model.RefreshLists();
 }
