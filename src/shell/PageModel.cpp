@@ -7,6 +7,7 @@
 #include "grid/OwnerGridLogic.h"
 #include "limits/ChoiceList.h"
 #include "limits/MetricLimits.h"
+#include "shell/TableExport.h"
 #include "stats/CStats.h"
 #include "support/UiServices.h"
 
@@ -258,6 +259,10 @@ bool PageModel::WindowKeyDown(int keyCode, int shift) {
   }
   if (shift == (GridShift::Ctrl | GridShift::Shift) && keyCode == WindowKey::Tab) {
     if (page > 0) SelectPage(page - 1);
+    return true;
+  }
+  if (shift == GridShift::Ctrl && keyCode == WindowKey::Insert) {
+    TableExport(*this).CopyTable();
     return true;
   }
   if (shift == GridShift::Alt && keyCode == WindowKey::F5) {

@@ -36,6 +36,7 @@ struct FileDialogRequest {
   QString filter;
   QString defaultExtension;     // without the dot; added when the user typed none
   bool overwritePrompt = true;  // save dialogs ask before replacing a file
+  int filterIndex = 0;          // 1-based filter the dialog starts on; 0 the first
 };
 
 // One folder chooser request: the chooser stays open until `accept` takes

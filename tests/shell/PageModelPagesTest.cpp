@@ -309,7 +309,10 @@ TEST_F(PageModelTest, WindowKeysMoveBetweenPages) {
   EXPECT_TRUE(model->WindowKeyDown(WindowKey::F10, GridShift::Alt));
   EXPECT_EQ(view.windowStates, (std::vector<int>{0, 2}));
   EXPECT_FALSE(model->WindowKeyDown(WindowKey::PageDown, 0));
-  EXPECT_FALSE(model->WindowKeyDown(WindowKey::Insert, GridShift::Ctrl));
+  EXPECT_FALSE(model->WindowKeyDown(WindowKey::Insert, 0));
+  EXPECT_TRUE(scripted.ui.clipboardText.isEmpty());
+  EXPECT_TRUE(model->WindowKeyDown(WindowKey::Insert, GridShift::Ctrl));  // the table copy
+  EXPECT_TRUE(scripted.ui.clipboardText.startsWith(QStringLiteral("Project\t")));
   EXPECT_EQ(model->CurrentPage(), 1);
 }
 

@@ -177,9 +177,9 @@ TEST_F(MainWindow, EveryPageShowsRowsAndItsCombos) {
     bool projectInTime;
     const char* shot;
   } pages[] = {
-      {0, false, false, "page0-all-analyses"}, {1, false, false, "page1-latest-analyses"},
+      {0, false, false, "page0-all-analyses"},  {1, false, false, "page1-latest-analyses"},
       {2, true, true, "page2-project-in-time"}, {3, true, false, "page3-files"},
-      {4, true, false, "page4-classes"},       {5, true, false, "page5-procedures"},
+      {4, true, false, "page4-classes"},        {5, true, false, "page5-procedures"},
       {6, true, false, "page6-variables"},
   };
   for (const auto& c : pages) {
@@ -349,7 +349,10 @@ TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {
     for (QAction* entry : top->menu()->actions()) entries << entry->text();
     seen << top->text() + QLatin1Char(':') + entries.join(QLatin1Char('|'));
   }
-  EXPECT_EQ(seen, QStringList({"&File:E&xit", "&Options:&Display charts|&Rotated view",
+  EXPECT_EQ(seen, QStringList({"&File:&Export table...|Export X&ML...|E&xit",
+                               "&Edit:&Copy table|&Find line...|Find &again",
+                               "&Report:&Data on current page|D&ata+Summary on current page",
+                               "&Options:&Display charts|&Rotated view",
                                "&Help:&Contents|&About Ombrelle"}));
 }
 
@@ -423,9 +426,9 @@ TEST_F(MainWindow, PlacementIsSavedOnCloseAndRestored) {
   ProcessEvents();
   const QRect saved = first.geometry();
   first.close();
-  EXPECT_FALSE(GetSetting(QStringLiteral("WindowPlacement"), QStringLiteral("frmMetrics.Left"),
-                          QString())
-                   .isEmpty());
+  EXPECT_FALSE(
+      GetSetting(QStringLiteral("WindowPlacement"), QStringLiteral("frmMetrics.Left"), QString())
+          .isEmpty());
   frmMetrics& second = Open();
   EXPECT_EQ(second.geometry().size(), saved.size());
 }

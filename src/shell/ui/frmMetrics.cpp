@@ -26,6 +26,7 @@
 #include "shell/ui/ComboBinding.h"
 #include "shell/ui/DatabasesMenu.h"
 #include "shell/ui/StatsFrame.h"
+#include "shell/ui/TableMenus.h"
 #include "support/UiServices.h"
 #include "support/ui/WindowPlacementUi.h"
 
@@ -211,8 +212,8 @@ void frmMetrics::BuildMenus() {
   QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
   file->setObjectName(QStringLiteral("mFile"));
   AddDatabasesMenuEntry(*file, m_model, *this);
-  connect(AddEntry(file, QStringLiteral("mFileClose"), QStringLiteral("E&xit")),
-          &QAction::triggered, this, &QWidget::close);
+  QAction* fileExit = AddEntry(file, QStringLiteral("mFileClose"), QStringLiteral("E&xit"));
+  connect(fileExit, &QAction::triggered, this, &QWidget::close);
 
   QMenu* options = menuBar()->addMenu(QStringLiteral("&Options"));
   options->setObjectName(QStringLiteral("mOptions"));
@@ -235,6 +236,8 @@ void frmMetrics::BuildMenus() {
           &QAction::triggered, this, [] { ShowHelpContents(); });
   connect(AddEntry(help, QStringLiteral("mHelpAbout"), QStringLiteral("&About Ombrelle")),
           &QAction::triggered, this, &frmMetrics::ShowAbout);
+
+  AddTableMenus(*this, m_model, file, fileExit);
 }
 
 void frmMetrics::Load(const QString& inputFile, bool about, int aboutMs) {

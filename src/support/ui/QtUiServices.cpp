@@ -170,6 +170,7 @@ void QtUiServices::TextBox(const QString& title, const QString& text) {
 QString QtUiServices::InputBox(const QString& prompt, const QString& title,
                                const QString& defaultText) {
   QInputDialog dialog(DialogParent());
+  dialog.setObjectName(QStringLiteral("InputForm"));
   dialog.setWindowTitle(CaptionOr(title));
   dialog.setLabelText(prompt);
   dialog.setTextValue(defaultText);
@@ -183,8 +184,12 @@ std::unique_ptr<QFileDialog> QtUiServices::CreateFileDialog(const FileDialogRequ
   dialog->setAcceptMode(mode);
   dialog->setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile
                                                       : QFileDialog::ExistingFile);
-  if (!request.filter.isEmpty())
-    dialog->setNameFilters(request.filter.split(QStringLiteral(";;"), Qt::SkipEmptyParts));
+  if (!request.filter.isEmpty()) {
+    const QStringList filters = request.filter.split(QStringLiteral(";;"), Qt::SkipEmptyParts);
+    dialog->setNameFilters(filters);
+    if (request.filterIndex >= 1 && request.filterIndex <= filters.size())
+      dialog->selectNameFilter(filters.at(request.filterIndex - 1));
+  }
   if (!request.defaultExtension.isEmpty()) dialog->setDefaultSuffix(request.defaultExtension);
   dialog->setOption(QFileDialog::DontConfirmOverwrite, !request.overwritePrompt);
   if (!request.fileName.isEmpty()) dialog->selectFile(request.fileName);
