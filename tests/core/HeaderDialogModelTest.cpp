@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include "common/MessageAssertions.h"
 #include "common/QvzFixture.h"
 #include "core/ListModel.h"
@@ -172,6 +174,9 @@ TEST_F(HeaderDialogModel, ReadOnlyDatabase) {
   // Permissions do not bind the super-user; the immutable attribute does.
   const bool immutable =
       QProcess::execute(QStringLiteral("chattr"), {QStringLiteral("+i"), path}) == 0;
+  if (!immutable && geteuid() == 0) {
+    GTEST_SKIP() << "running as the super-user on a file system without the immutable attribute";
+  }
   QVZEditModel model;
   ASSERT_TRUE(model.Open(path));
   model.Title = QStringLiteral("Changed");
