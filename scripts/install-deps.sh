@@ -12,6 +12,8 @@ if [ "${1:-build}" = test ]; then
   packages+=(emf2svg libwmf-bin fonts-urw-base35 gsfonts)
   # Web archives are rendered by a browser.
   packages+=(chromium)
+  # GIF readers for the GIF writer's tests and the reference of its benchmark.
+  packages+=(giflib-tools gifsicle)
   # libFuzzer and its sanitizer runtimes for the fuzz targets.
   packages+=(clang-14 libclang-rt-14-dev)
 fi

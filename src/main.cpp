@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include "core/QVZ2XML.h"
+#include "core/ui/frmQVZEdit.h"
 #include "shell/Startup.h"
 #include "shell/ui/MainWindowRoad.h"
 #include "support/ui/EchoingUiServices.h"
@@ -60,6 +61,7 @@ int main(int argc, char** argv) {
   }
   hooks.runMainWindow = ombrelle::RunMainWindow;
   hooks.exportXml = ombrelle::SaveQVZ2XML;
+  hooks.editHeader = [](const QString& file) { ombrelle::frmQVZEdit::Display(file); };
 
   ombrelle::Main(arguments, hooks);
   return 0;

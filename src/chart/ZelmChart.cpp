@@ -399,11 +399,8 @@ std::unique_ptr<Bitmap> ZelmChart::GetBitmap(int width, int depth) {
   return m_picture->MakeBitmap(width, 0, depth, true);
 }
 
-bool ZelmChart::SaveWMF(const QString&, float) {
-  // Not yet: the placeable WMF writer of the drawing surface (Metafile::SavePlaceableWMF)
-  // does not exist yet; once it does this is m_picture->SavePlaceableWMF(file, scale, 0).
-  // Until then nothing is written and the answer is false.
-  return false;
+bool ZelmChart::SaveWMF(const QString& file, float scale) {
+  return m_picture->SavePlaceableWMF(file, scale, 0);
 }
 
 bool ZelmChart::CopyToClipboard() { return m_picture->CopyToClipboard(0, 0); }

@@ -144,7 +144,8 @@ class MetricRead {
   static bool IsSearchPathKey(const QString& key);
   void ScanSearchPaths();
   int ScanFolder(const QString& folder, const QString& namedFile);
-  void AddDatabaseEntry(const QString& path, const DatabaseHeader& header, const QVZRead& reader);
+  void AddDatabaseEntry(const QString& path, QString lowerPath, const DatabaseHeader& header,
+                        double fileDate);
   void SortDatabases();
   void MarkLatestSaves();
   int FindDatabase(const QString& file) const;

@@ -1,8 +1,12 @@
 // The list of databases: scanning the search paths, ordering the saves,
 // marking the latest save of each project, and finding a named file.
 
+#include <algorithm>
 #include <cstring>
+#include <ctime>
+#include <limits>
 #include <unordered_map>
+#include <utility>
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -70,34 +74,48 @@ int MetricRead::ScanFolder(const QString& folder, const QString& namedFile) {
   // A folder that is gone or cannot be read lists nothing: it is passed over.
   QDir dir(base);
   const QStringList names = dir.entryList({QStringLiteral("*.qvz")}, QDir::Files, QDir::Name);
+  if (names.isEmpty()) return 0;
+  // `base` is folded already and the names hold no separators: joining them
+  // needs no further folding.
+  const QString prefix = base.endsWith(QLatin1Char('/')) ? base : base + QLatin1Char('/');
   const QString named = namedFile.toLower();
+  // The time zone is read once for the file dates of the whole folder.
+  tzset();
   int added = 0;
   for (const QString& name : names) {
-    const QString path = JoinPath(base, name);
-    if (FindDatabase(path) != 0) continue;
-    QVZRead reader;
+    const QString path = prefix + name;
+    QString lower = path.toLower();
+    if (m_knownPaths.contains(lower) && FindDatabase(path) != 0) continue;
     DatabaseHeader header;
+    double fileDate = 0;
     // The checksum is enforced here: a damaged file is left out of the list,
     // and only the file the user named says why.
-    if (!reader.ReadHeader(path, header, path.toLower() == named, true)) continue;
-    reader.CloseDatabaseFile();
-    AddDatabaseEntry(path, header, reader);
+    if (!named.isEmpty() && lower == named) {
+      QVZRead reader;
+      if (!reader.ReadHeader(path, header, true, true)) continue;
+      reader.CloseDatabaseFile();
+      const QDateTime modified = QFileInfo(path).lastModified();
+      fileDate = modified.isValid() ? DateFromQDateTime(modified) : 0;
+    } else if (!QVZRead::ProbeHeader(path, header, fileDate)) {
+      continue;
+    }
+    AddDatabaseEntry(path, std::move(lower), header, fileDate);
     ++added;
   }
   return added;
 }
 
-void MetricRead::AddDatabaseEntry(const QString& path, const DatabaseHeader& header,
-                                  const QVZRead& reader) {
+void MetricRead::AddDatabaseEntry(const QString& path, QString lowerPath,
+                                  const DatabaseHeader& header, double fileDate) {
   DatabaseEntry entry;
   entry.Header = header;
   entry.Path = path;
-  entry.AnalysisDate = ParseTimestamp14(HeaderText(header.AnalysisStamp));
-  const QDateTime modified = QFileInfo(path).lastModified();
-  entry.FileDate = modified.isValid() ? DateFromQDateTime(modified) : 0;
-  entry.Project = reader.ProjectFilename();
-  entry.Title = reader.Title();
-  m_knownPaths.insert(path.toLower());
+  entry.AnalysisDate = ParseTimestamp14(header.AnalysisStamp.data(),
+                                        static_cast<qsizetype>(header.AnalysisStamp.size()));
+  entry.FileDate = fileDate;
+  entry.Project = QVZRead::ProjectFilename(header);
+  entry.Title = QVZRead::Title(header);
+  m_knownPaths.insert(std::move(lowerPath));
   m_databases.push_back(std::move(entry));
 }
 
@@ -112,29 +130,60 @@ int MetricRead::FindDatabase(const QString& file) const {
 void MetricRead::SortDatabases() {
   // Keys computed once: the project in lower case, then the header texts.
   const int n = DatabaseCount();
+  if (n < 2) return;
   std::vector<QString> projects(n);
   for (int i = 0; i < n; ++i) projects[i] = m_databases[i].Project.toLower();
-  auto less = [&](int a, int b) {
+  auto compare = [&](int a, int b) {
     const DatabaseEntry& x = m_databases[a];
     const DatabaseEntry& y = m_databases[b];
     int c = Compare3(projects[a], projects[b]);
     if (c == 0) c = CompareBytes(x.Header.AnalysisStamp.data(), y.Header.AnalysisStamp.data(), 14);
     if (c == 0) c = CompareBytes(x.Header.SavedDate.data(), y.Header.SavedDate.data(), 10);
     if (c == 0) c = Compare3(x.FileDate, y.FileDate);
-    return c < 0;
+    return c;
   };
-  // A selection sort: equal entries keep their order, as a later one replaces
-  // the pick only when strictly smaller.
-  for (int i = 0; i < n - 1; ++i) {
-    int pick = i;
-    for (int j = i + 1; j < n; ++j) {
-      if (less(j, pick)) pick = j;
-    }
-    if (pick != i) {
-      std::swap(m_databases[i], m_databases[pick]);
-      std::swap(projects[i], projects[pick]);
-    }
+  // Each entry's rank on the key, equal keys sharing a rank.
+  std::vector<int> byKey(n);
+  for (int i = 0; i < n; ++i) byKey[i] = i;
+  std::sort(byKey.begin(), byKey.end(), [&](int a, int b) { return compare(a, b) < 0; });
+  std::vector<int> rank(n);
+  for (int k = 0, r = 0; k < n; ++k) {
+    if (k > 0 && compare(byKey[k - 1], byKey[k]) != 0) ++r;
+    rank[byKey[k]] = r;
   }
+  // The order of a selection sort, in which a later position replaces the
+  // pick only when strictly smaller and the pick swaps places with position
+  // i, so that equal entries end up as that sort leaves them. A tournament
+  // tree over the positions finds each pick: the smallest rank, then the
+  // smallest position; a position already placed holds no rank.
+  constexpr int kPlaced = std::numeric_limits<int>::max();
+  int leaves = 1;
+  while (leaves < n) leaves *= 2;
+  std::vector<std::pair<int, int>> tree(2 * static_cast<size_t>(leaves), {kPlaced, kPlaced});
+  std::vector<int> at(n);  // entry now at each position
+  auto set = [&](int position, int value) {
+    size_t node = static_cast<size_t>(leaves + position);
+    tree[node] = {value, position};
+    for (node /= 2; node >= 1; node /= 2) tree[node] = std::min(tree[2 * node], tree[2 * node + 1]);
+  };
+  for (int p = 0; p < n; ++p) {
+    at[p] = p;
+    tree[static_cast<size_t>(leaves + p)] = {rank[p], p};
+  }
+  for (int node = leaves - 1; node >= 1; --node)
+    tree[node] = std::min(tree[2 * node], tree[2 * node + 1]);
+  for (int i = 0; i < n - 1; ++i) {
+    const int pick = tree[1].second;
+    if (pick != i) {
+      std::swap(at[i], at[pick]);
+      set(pick, rank[at[pick]]);
+    }
+    set(i, kPlaced);
+  }
+  std::vector<DatabaseEntry> sorted;
+  sorted.reserve(n);
+  for (int p = 0; p < n; ++p) sorted.push_back(std::move(m_databases[at[p]]));
+  m_databases = std::move(sorted);
 }
 
 void MetricRead::MarkLatestSaves() {

@@ -5,6 +5,7 @@
 #include "core/MetricSaveFields.h"
 #include "support/FileIO.h"
 #include "support/Filename.h"
+#include "support/SelectFolder.h"
 #include "support/SettingsStore.h"
 #include "support/UiServices.h"
 
@@ -89,8 +90,8 @@ bool MetricSave::Configure() {
     start = FolderExists(documents) ? JoinPath(documents, QStringLiteral("Ombrelle"))
                                     : QCoreApplication::applicationDirPath();
   }
-  const QString answer =
-      Ui().BrowseFolder(QStringLiteral("Choose directory for saving metrics files in"), start);
+  const QString answer = SelectFolder::GetAnyFolder(
+      start, QStringLiteral("Choose directory for saving metrics files in"), true);
   if (answer.isEmpty()) return false;
   if (FolderExists(answer))
     SaveSetting(kDatabasesSection, kSavePathKey, answer);

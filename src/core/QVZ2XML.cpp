@@ -1,20 +1,24 @@
 #include "core/QVZ2XML.h"
 
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 #include <exception>
 #include <new>
+#include <string_view>
 #include <vector>
 
-#include <QStringList>
 #include <QFileInfo>
+#include <QStringList>
 
 #include "core/MetricDefinitions.h"
 #include "core/MetricRead.h"
+#include "core/XmlText.h"
 #include "stats/CStats.h"
 #include "support/FileIO.h"
 #include "support/Filename.h"
 #include "support/FormatNum.h"
+#include "support/NumberChars.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
@@ -202,8 +206,9 @@ void QVZ2XML::WriteClassStart(int metricClass) {
 void QVZ2XML::WriteMetric(int metric) {
   XmlOutputFile& out = m_file;
   const MetricDefinitions& definitions = m_reader->Definitions();
-  CStats column = m_reader->GetValues(metric);
-  column.CalcStatsQuick();
+  // GetValues has computed the column's statistics already; the values are
+  // read as they stand.
+  const CStats column = m_reader->GetValues(metric);
   const int format = definitions.GetMetricFormat(metric);
 
   out.Write("  <metric id='");
@@ -216,15 +221,41 @@ void QVZ2XML::WriteMetric(int metric) {
   out.WriteEscaped(definitions.GetMetricName(metric, NameDescription));
   out.Write("'>\r\n");
   const int32_t count = column.count();
+  static constexpr std::string_view kOpen = "   <value display='";
+  static constexpr std::string_view kMiddle = "'>";
+  static constexpr std::string_view kClose = "</value>\r\n";
+  static constexpr qsizetype kLineMax =
+      kOpen.size() + kNumberCharsMax + kMiddle.size() + kXmlNumberMaxBytes + kClose.size();
   for (int32_t i = 1; i <= count && !out.Failed(); ++i) {
     const double value = column.ValueAtIndex(i);
-    out.Write("   <value display='");
-    // The display texts are ASCII already; escaping only guards against a
-    // locale whose date pattern holds other characters.
+    // A fraction's digits are found once for its display and its raw form;
+    // whole numbers take an integer road in both.
+    DecimalDigits digits;
+    const DecimalDigits* known = nullptr;
+    if (std::isfinite(value) && !(std::fabs(value) < 1e15 && value == std::trunc(value))) {
+      ShortestDigits(value, digits);
+      known = &digits;
+    }
+    // The whole line goes straight into the output buffer.
+    char* const line = out.Claim(kLineMax);
+    const int display = line ? FormatMetricChars(format, value, known, line + kOpen.size()) : -1;
+    if (display >= 0) {
+      std::memcpy(line, kOpen.data(), kOpen.size());
+      char* p = line + kOpen.size() + display;
+      std::memcpy(p, kMiddle.data(), kMiddle.size());
+      p += kMiddle.size();
+      p += XmlNumber(value, known, p);
+      std::memcpy(p, kClose.data(), kClose.size());
+      out.Advance(p + kClose.size() - line);
+      continue;
+    }
+    // A date in a locale pattern of more than digits and separators: its
+    // text comes from the locale and may need escaping.
+    out.Write(kOpen);
     out.WriteEscaped(FormatMetric(format, value));
-    out.Write("'>");
+    out.Write(kMiddle);
     out.WriteNumber(value);
-    out.Write("</value>\r\n");
+    out.Write(kClose);
   }
   out.Write("  </metric>\r\n");
 }

@@ -3,7 +3,10 @@
 #include "support/MD5.h"
 
 #include <bit>
+#include <charconv>
 #include <cstring>
+
+#include <QCryptographicHash>
 
 namespace ombrelle {
 
@@ -148,6 +151,43 @@ QByteArray SeriesHeader::Encode() const {
   out.append(static_cast<char>(ValueKind));
   out.append(14, '\0');
   return out;
+}
+
+namespace {
+
+// The bytes the checksum guards: stamp, saver, saved date, the salt and the
+// file's length in upper-case hexadecimal. `out` holds 96 bytes.
+qsizetype ChecksumInput(const DatabaseHeader& header, qint64 fileLength, char* out) {
+  char* p = out;
+  std::memcpy(p, header.AnalysisStamp.data(), header.AnalysisStamp.size());
+  p += header.AnalysisStamp.size();
+  std::memcpy(p, header.SavedBy.data(), header.SavedBy.size());
+  p += header.SavedBy.size();
+  std::memcpy(p, header.SavedDate.data(), header.SavedDate.size());
+  p += header.SavedDate.size();
+  std::memcpy(p, kChecksumSalt, sizeof kChecksumSalt - 1);
+  p += sizeof kChecksumSalt - 1;
+  char* end = std::to_chars(p, p + 20, fileLength, 16).ptr;
+  for (; p != end; ++p)
+    if (*p >= 'a' && *p <= 'f') *p = static_cast<char>(*p - 'a' + 'A');
+  return p - out;
+}
+
+}  // namespace
+
+bool HeaderChecksumMatches(const DatabaseHeader& header, qint64 fileLength) {
+  char input[96];
+  const qsizetype size = ChecksumInput(header, fileLength, input);
+  QCryptographicHash hash(QCryptographicHash::Md5);
+  hash.addData(QByteArrayView(input, size));
+  const QByteArrayView digest = hash.resultView();
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  for (qsizetype i = 0; i < digest.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(digest[i]);
+    if (header.Checksum[2 * i] != kHex[byte >> 4] || header.Checksum[2 * i + 1] != kHex[byte & 15])
+      return false;
+  }
+  return digest.size() * 2 == static_cast<qsizetype>(header.Checksum.size());
 }
 
 QByteArray HeaderChecksum(const DatabaseHeader& header, qint64 fileLength) {

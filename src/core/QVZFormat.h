@@ -127,5 +127,8 @@ void PutDouble(QByteArray& out, double value);
 // `fileLength` bytes: the MD5 digest of the stamp, SavedBy and SavedDate
 // fields (padding included), the salt and the length in hexadecimal.
 QByteArray HeaderChecksum(const DatabaseHeader& header, qint64 fileLength);
+// Whether the header's Checksum field holds HeaderChecksum for a file of
+// `fileLength` bytes, byte for byte; computed without string objects.
+bool HeaderChecksumMatches(const DatabaseHeader& header, qint64 fileLength);
 
 }  // namespace ombrelle

@@ -5,10 +5,12 @@
 #include <cmath>
 #include <cstring>
 
+#include <QDateTime>
 #include <QFileInfo>
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -179,25 +181,20 @@ bool QVZRead::ReadHeader(const QString& file, DatabaseHeader& header, bool showE
     } else {
       const QByteArray bytes = ReadAt(1, kHeaderSize);
       const DatabaseHeader read = DatabaseHeader::Decode(bytes.constData());
-      const double whole = std::trunc(static_cast<double>(read.Version));
-      const QString versionMessage = QStringLiteral("Metrics database file version (") +
-                                     FormatSingle(read.Version) + QStringLiteral(") not supported");
+      const HeaderVerdict verdict =
+          m_readFailed ? HeaderVerdict::Ok : CheckHeader(read, m_fileLength, verifyChecksum);
       if (m_readFailed) {
         systemFailure = true;
-      } else if (std::memcmp(read.Magic.data(), kQvzMagic, 8) != 0) {
+      } else if (verdict == HeaderVerdict::BadFormat) {
         message = QStringLiteral("Invalid metrics database file format");
-      } else if (!(whole >= 1.0 && whole <= 3.0)) {
-        message = versionMessage;
-      } else if (!verifyChecksum) {
-        header = read;
-        return true;
-      } else if (read.Version == 1.0f) {
-        message = versionMessage;
-      } else if (!VerifyChecksum(read)) {
+      } else if (verdict == HeaderVerdict::BadVersion) {
+        message = QStringLiteral("Metrics database file version (") + FormatSingle(read.Version) +
+                  QStringLiteral(") not supported");
+      } else if (verdict == HeaderVerdict::BadChecksum) {
         message = QStringLiteral("Invalid metrics database file checksum");
       } else {
         header = read;
-        m_header = read;
+        if (verifyChecksum) m_header = read;
         return true;
       }
     }
@@ -215,9 +212,47 @@ bool QVZRead::ReadHeader(const QString& file, DatabaseHeader& header, bool showE
   return false;
 }
 
-bool QVZRead::VerifyChecksum(const DatabaseHeader& header) const {
-  return MD5::Compare(QString::fromLatin1(HeaderChecksum(header, m_fileLength)),
-                      AnsiField(header.Checksum));
+QVZRead::HeaderVerdict QVZRead::CheckHeader(const DatabaseHeader& header, qint64 fileLength,
+                                            bool verifyChecksum) {
+  if (std::memcmp(header.Magic.data(), kQvzMagic, 8) != 0) return HeaderVerdict::BadFormat;
+  const double whole = std::trunc(static_cast<double>(header.Version));
+  if (!(whole >= 1.0 && whole <= 3.0)) return HeaderVerdict::BadVersion;
+  if (!verifyChecksum) return HeaderVerdict::Ok;
+  // Version 1 files carry no checksum, so a check cannot pass.
+  if (header.Version == 1.0f) return HeaderVerdict::BadVersion;
+  if (!HeaderChecksumMatches(header, fileLength)) return HeaderVerdict::BadChecksum;
+  return HeaderVerdict::Ok;
+}
+
+bool QVZRead::ProbeHeader(const QString& file, DatabaseHeader& header, double& fileDate) {
+#ifdef Q_OS_UNIX
+  // Non-blocking, so that a pipe that took the place of a file cannot stall the scan.
+  const int fd = ::open(QFile::encodeName(file).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (fd < 0) return false;
+  struct stat info {};
+  char bytes[kHeaderSize];
+  bool ok = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size >= kHeaderSize;
+  for (qint64 done = 0; ok && done < kHeaderSize;) {
+    const ssize_t got = ::pread(fd, bytes + done, static_cast<size_t>(kHeaderSize - done),
+                                static_cast<off_t>(done));
+    if (got < 0 && errno == EINTR) continue;
+    ok = got > 0;
+    done += got;
+  }
+  ::close(fd);
+  if (!ok) return false;
+  header = DatabaseHeader::Decode(bytes);
+  if (CheckHeader(header, info.st_size, true) != HeaderVerdict::Ok) return false;
+  fileDate = DateFromEpochMSecsLocal(static_cast<qint64>(info.st_mtim.tv_sec) * 1000 +
+                                     info.st_mtim.tv_nsec / 1000000);
+  return true;
+#else
+  QVZRead reader;
+  if (!reader.ReadHeader(file, header, false, true)) return false;
+  const QDateTime modified = QFileInfo(file).lastModified();
+  fileDate = modified.isValid() ? DateFromQDateTime(modified) : 0;
+  return true;
+#endif
 }
 
 // ---------------------------------------------------------------------------
@@ -465,7 +500,11 @@ int32_t QVZRead::GetClassSize(int metricClass) const {
 }
 
 QString QVZRead::DecodeText(const char* bytes, qsizetype size) const {
-  if (m_header.Flags & kFlagUtf8) {
+  return DecodeText(m_header.Flags, bytes, size);
+}
+
+QString QVZRead::DecodeText(int32_t flags, const char* bytes, qsizetype size) {
+  if (flags & kFlagUtf8) {
     const void* zero = std::memchr(bytes, 0, static_cast<size_t>(size));
     const qsizetype length = zero ? static_cast<const char*>(zero) - bytes : size;
     return RightTrimBlanks(MultiByteToText(bytes, length, kCodepageUtf8));
@@ -477,6 +516,14 @@ QString QVZRead::Title() const { return DecodeText(m_header.Title.data(), kTextF
 
 QString QVZRead::ProjectFilename() const {
   return DecodeText(m_header.ProjectFilename.data(), kTextFieldSize);
+}
+
+QString QVZRead::Title(const DatabaseHeader& header) {
+  return DecodeText(header.Flags, header.Title.data(), kTextFieldSize);
+}
+
+QString QVZRead::ProjectFilename(const DatabaseHeader& header) {
+  return DecodeText(header.Flags, header.ProjectFilename.data(), kTextFieldSize);
 }
 
 QString QVZRead::GetSavedBy() const { return RightTrimBlanks(AnsiField(m_header.SavedBy)); }

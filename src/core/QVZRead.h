@@ -58,6 +58,11 @@ class QVZRead {
   // checksum. Failures are shown in a box when `showErrors` is set.
   bool ReadHeader(const QString& file, DatabaseHeader& header, bool showErrors,
                   bool verifyChecksum);
+  // ReadHeader with the checksum, quietly, for a scan of many files: one
+  // open, one status call, one read of the header alone and one close, no
+  // reader object. Also gives the file's last-modified time as a local date
+  // value (the caller runs tzset() once before the scan).
+  static bool ProbeHeader(const QString& file, DatabaseHeader& header, double& fileDate);
   // Closes the handle and keeps the tables; a later read reopens by name.
   void CloseDatabaseFile();
   // Opens the file read-only if it is closed.
@@ -72,6 +77,9 @@ class QVZRead {
   void GetProjectInfo(QString& title, QString& project, double& date) const;
   QString Title() const;
   QString ProjectFilename() const;
+  // The same texts of any header.
+  static QString Title(const DatabaseHeader& header);
+  static QString ProjectFilename(const DatabaseHeader& header);
 
   // The structure as learnt by the walk.
   const QString& Filename() const { return m_filename; }
@@ -142,12 +150,16 @@ class QVZRead {
   void ReadMetricIds();
   bool CheckFileLength() const;
   bool WalkSeries();
-  bool VerifyChecksum(const DatabaseHeader& header) const;
+  // What is wrong with a header read from a file of `fileLength` bytes.
+  enum class HeaderVerdict { Ok, BadFormat, BadVersion, BadChecksum };
+  static HeaderVerdict CheckHeader(const DatabaseHeader& header, qint64 fileLength,
+                                   bool verifyChecksum);
   void ResetTables();
 
   // A text field of the header or a row record: UTF-8 up to the first zero
   // byte when the header says so, else ANSI of every byte; trailing blanks cut.
   QString DecodeText(const char* bytes, qsizetype size) const;
+  static QString DecodeText(int32_t flags, const char* bytes, qsizetype size);
 
   // Reads `count` bytes at the 1-based `position` of the open file. Bytes
   // beyond the end of the file read as zero, so the walk can measure how far

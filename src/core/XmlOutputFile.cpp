@@ -92,6 +92,11 @@ void XmlOutputFile::WriteSlow(const char* data, qsizetype size) {
   m_used = size;
 }
 
+char* XmlOutputFile::ClaimSlow(qsizetype size) {
+  if (!IsOpen() || Failed() || size > m_capacity || !Flush()) return nullptr;
+  return m_buffer.get();
+}
+
 void XmlOutputFile::WriteEscaped(QStringView text) {
   char piece[kXmlEscapeMaxBytes];
   const QChar* begin = text.data();

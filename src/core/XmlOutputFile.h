@@ -45,6 +45,13 @@ class XmlOutputFile {
   void WriteEscaped(QStringView text);
   // A number in the raw form of XmlNumber.
   void WriteNumber(double value);
+  // Room for `size` bytes at the end of the buffer, written out first when
+  // the buffer is too full; Advance then keeps what was put there. Null
+  // after a failure or when `size` is more than the buffer holds.
+  char* Claim(qsizetype size) {
+    return size <= m_capacity - m_used ? m_buffer.get() + m_used : ClaimSlow(size);
+  }
+  void Advance(qsizetype size) { m_used += size; }
   // The line end of the export: CR LF.
   void EndLine() { Write("\r\n", 2); }
 
@@ -62,6 +69,7 @@ class XmlOutputFile {
 
  private:
   void WriteSlow(const char* data, qsizetype size);
+  char* ClaimSlow(qsizetype size);
   bool Flush();
   bool WriteAll(const char* data, qsizetype size);
   void SetError(int number);

@@ -1,8 +1,11 @@
 #include "core/XmlText.h"
 
+#include <cfloat>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+
+#include "support/NumberChars.h"
 
 namespace ombrelle {
 
@@ -41,7 +44,9 @@ void EscapeXmlInPlace(QString& text) {
   }
 }
 
-int XmlNumber(double value, char* out) {
+int XmlNumber(double value, char* out) { return XmlNumber(value, nullptr, out); }
+
+int XmlNumber(double value, const DecimalDigits* known, char* out) {
   if (std::isnan(value)) {
     std::memcpy(out, "NaN", 3);
     return 3;
@@ -64,18 +69,32 @@ int XmlNumber(double value, char* out) {
     return static_cast<int>(
         std::to_chars(out, out + kXmlNumberMaxBytes, static_cast<long long>(value)).ptr - out);
 
-  // Fifteen significant digits, rounded once: "d.dddddddddddddde+XX".
+  // Fifteen significant digits, rounded once. When the shortest digits that
+  // read back are no more than fifteen they are that rounding already: a
+  // normal double lies closer to them than half a step of fifteen digits.
+  DecimalDigits shortest;
+  if (known)
+    shortest = *known;
+  else
+    ShortestDigits(value, shortest);
   char sci[kXmlNumberMaxBytes];
-  const auto sciEnd =
-      std::to_chars(sci, sci + sizeof sci, std::fabs(value), std::chars_format::scientific, 14).ptr;
-  char digits[15];
-  digits[0] = sci[0];
-  std::memcpy(digits + 1, sci + 2, 14);
-  int count = 15;
-  while (count > 1 && digits[count - 1] == '0') --count;
-  const char* exponentText = sci + 17;  // behind "e"
-  int exponent = 0;
-  std::from_chars(exponentText + (*exponentText == '+' ? 1 : 0), sciEnd, exponent);
+  char digitsRounded[15];
+  const char* digits = shortest.Digits;
+  int count = shortest.Count;
+  int exponent = shortest.Point - 1;
+  if (count > 15 || std::fabs(value) < DBL_MIN) {
+    // "d.dddddddddddddde+XX"
+    const auto sciEnd =
+        std::to_chars(sci, sci + sizeof sci, std::fabs(value), std::chars_format::scientific, 14)
+            .ptr;
+    digitsRounded[0] = sci[0];
+    std::memcpy(digitsRounded + 1, sci + 2, 14);
+    count = 15;
+    while (count > 1 && digitsRounded[count - 1] == '0') --count;
+    const char* exponentText = sci + 17;  // behind "e"
+    std::from_chars(exponentText + (*exponentText == '+' ? 1 : 0), sciEnd, exponent);
+    digits = digitsRounded;
+  }
 
   char* p = out;
   if (value < 0) *p++ = '-';

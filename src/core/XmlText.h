@@ -5,6 +5,8 @@
 
 namespace ombrelle {
 
+struct DecimalDigits;
+
 // Text pieces of the XML export, which is pure ASCII by construction: every
 // character outside printable ASCII, and the five characters XML reserves,
 // become numeric character references of their 16-bit code; numbers are
@@ -38,6 +40,8 @@ void EscapeXmlInPlace(QString& text);
 // "Inf" and "-Inf". Writes to `out` (room for kXmlNumberMaxBytes) and returns
 // the number of bytes.
 int XmlNumber(double value, char* out);
+// The same with the ShortestDigits of `value` at hand (or null).
+int XmlNumber(double value, const DecimalDigits* digits, char* out);
 // The same as text.
 QString XmlNumberText(double value);
 

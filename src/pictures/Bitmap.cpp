@@ -8,6 +8,7 @@
 #include "pictures/BmpEncoder.h"
 #include "pictures/MetaPlayer.h"
 #include "pictures/Metafile.h"
+#include "pictures/PaletteReducer.h"
 #include "support/FileIO.h"
 #include "support/UiServices.h"
 
@@ -59,11 +60,18 @@ int Nearest(const QList<QRgb>& palette, QRgb color) {
 }  // namespace
 
 QList<QRgb> ChoosePalette(const std::vector<std::uint32_t>& colors, int size) {
-  // Stand-in for the palette reduction: the first colours of the list fill
-  // the table, and pixels of the others take the nearest entry.
+  // The list itself when it fits, else the octree's reduction of it.
+  std::vector<std::uint32_t> chosen;
+  if (int(colors.size()) <= size) {
+    chosen = colors;
+  } else {
+    PaletteReducer reducer;
+    reducer.CreateOptimalFromColorCollection(colors, size);
+    chosen = reducer.GetColorCollection();
+  }
   QList<QRgb> table;
   table.reserve(size);
-  for (std::uint32_t c : colors) {
+  for (std::uint32_t c : chosen) {
     if (table.size() >= size) break;
     table.push_back(ToRgb(c));
   }

@@ -498,6 +498,19 @@ void PageModel::ClearAllPages() {
   m_grid->SetColumnCaption(1, QString());
 }
 
+void PageModel::ManageDatabases(const std::function<void()>& manager) {
+  {
+    BusyCursor busy;
+    ClearAllPages();
+    m_currentDatabase = 0;
+    m_reader.reset();
+  }
+  if (manager) manager();
+  BusyCursor busy;
+  m_reader = std::make_unique<MetricRead>();
+  SelectPage(0);
+}
+
 void PageModel::ReleasePageSeries(PageRecord& record) {
   for (int i = 0; i < record.ColumnCount; ++i) {
     const size_t index = static_cast<size_t>(record.FirstColumn + i);

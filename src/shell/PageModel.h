@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -197,6 +198,10 @@ class PageModel {
   void LayoutGrid();
   void ReloadPage();
   void ClearAllPages();
+  // Runs the database manager `manager`: every page and the access object are
+  // released before it, a new access object is made after it and page 0
+  // shown, since files and database indexes may have changed.
+  void ManageDatabases(const std::function<void()>& manager);
   void ClearCurrentPage();
   // Sorts on a grid column (negative descending, 0 none); returns the column used.
   int SortBy(int column);

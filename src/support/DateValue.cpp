@@ -1,6 +1,7 @@
 #include "support/DateValue.h"
 
 #include <cmath>
+#include <ctime>
 
 namespace ombrelle {
 
@@ -56,6 +57,22 @@ double DateFromQDateTime(const QDateTime& dateTime) {
   return Combine(days, local.time().msecsSinceStartOfDay() / kMsPerDay);
 }
 
+double DateFromEpochMSecsLocal(qint64 msecs) {
+#ifdef Q_OS_UNIX
+  const auto seconds = static_cast<time_t>(FloorDiv(msecs, 1000));
+  const qint64 milliseconds = msecs - static_cast<qint64>(seconds) * 1000;
+  tm local{};
+  if (localtime_r(&seconds, &local) && local.tm_sec < 60) {
+    const qint64 days =
+        DaysFromCivil(local.tm_year + 1900LL, local.tm_mon + 1, local.tm_mday) - kEpochFromUnix;
+    const qint64 ofDay =
+        (local.tm_hour * 3600LL + local.tm_min * 60LL + local.tm_sec) * 1000 + milliseconds;
+    return Combine(days, ofDay / kMsPerDay);
+  }
+#endif
+  return DateFromQDateTime(QDateTime::fromMSecsSinceEpoch(msecs));
+}
+
 QDate DateToQDate(double value) {
   if (!std::isfinite(value) || std::fabs(value) > 1e9) return QDate();
   return QDate::fromJulianDay(kEpochJulianDay + static_cast<qint64>(std::trunc(value)));
@@ -75,9 +92,25 @@ QDateTime DateToQDateTime(double value) {
 
 double ParseTimestamp14(const QString& text) {
   if (text.size() != 14) return 0.0;
-  for (const QChar c : text)
+  char digits[14];
+  for (int i = 0; i < 14; ++i) {
+    const QChar c = text.at(i);
     if (c < u'0' || c > u'9') return 0.0;
-  const auto part = [&text](int from, int length) { return text.mid(from, length).toInt(); };
+    digits[i] = static_cast<char>(c.unicode());
+  }
+  return ParseTimestamp14(digits, 14);
+}
+
+double ParseTimestamp14(const char* text, qsizetype size) {
+  // Bytes other than the ten digits stand for no digit in any code page used here.
+  if (size != 14) return 0.0;
+  for (int i = 0; i < 14; ++i)
+    if (text[i] < '0' || text[i] > '9') return 0.0;
+  const auto part = [text](int from, int length) {
+    int value = 0;
+    for (int i = from; i < from + length; ++i) value = value * 10 + (text[i] - '0');
+    return value;
+  };
   const double time = TimeSerial(part(8, 2), part(10, 2), part(12, 2));
   const double wholeDays = std::floor(time);
   const auto days = static_cast<qint64>(DateSerial(part(0, 4), part(4, 2), part(6, 2)) + wholeDays);

@@ -20,6 +20,10 @@ double TimeSerial(int hours, int minutes, int seconds);
 
 double DateFromQDate(const QDate& date);
 double DateFromQDateTime(const QDateTime& dateTime);
+// The same as DateFromQDateTime of QDateTime::fromMSecsSinceEpoch(`msecs`)
+// (a local time), for many files in a row: the system's time zone is taken
+// as it was at the last tzset(), which the caller runs once before the loop.
+double DateFromEpochMSecsLocal(qint64 msecs);
 QDate DateToQDate(double value);
 // The local date and time, to the millisecond.
 QDateTime DateToQDateTime(double value);
@@ -27,5 +31,7 @@ QDateTime DateToQDateTime(double value);
 // A text of exactly 14 decimal digits, "yyyymmddhhnnss", as a date value; any
 // other text gives 0.
 double ParseTimestamp14(const QString& text);
+// The same of `size` ANSI bytes.
+double ParseTimestamp14(const char* text, qsizetype size);
 
 }  // namespace ombrelle

@@ -4,6 +4,8 @@
 
 namespace ombrelle {
 
+struct DecimalDigits;
+
 // The one road from a metric's value to text, so that every table, report and
 // export agrees. Format codes: 0 automatic, 1 whole number, 2 large whole
 // number, 3 to 5 percentage, 6 and 8 ratio, 7 average, 9 date, 10 by size.
@@ -36,6 +38,14 @@ int OrderOfMagnitude(double value);
 // The general form of a double: up to 15 significant digits, fixed notation
 // for exponents -4 to 14, else "1.5E+16" / "1E-05".
 QString GeneralNumber(double value);
+// The cell style of FormatMetric as ASCII bytes written to `out` (room for
+// kNumberCharsMax of NumberChars.h); the number of bytes, or -1 for a date
+// whose locale pattern has more than day, month, year and plain separators,
+// which only FormatMetric writes.
+int FormatMetricChars(int format, double value, char* out);
+// The same with the ShortestDigits of `value` at hand (or null).
+int FormatMetricChars(int format, double value, const DecimalDigits* digits, char* out);
+
 // The program version: "major.minor", and with `full` "major.minor.revision".
 QString VersionText(bool full);
 

@@ -25,6 +25,16 @@ void UiServices::EndBusy() {
 }
 
 std::unique_ptr<QPagedPaintDevice> UiServices::OpenPrinter(const QString&) { return nullptr; }
+QString UiServices::ChooseFolder(const FolderRequest& request) {
+  QString folder = request.folder;
+  for (;;) {
+    const QString answer =
+        BrowseFolder(request.prompt.isEmpty() ? request.title : request.prompt, folder);
+    if (answer.isEmpty()) return QString();
+    if (!request.accept || request.accept(answer)) return answer;
+    folder = answer;
+  }
+}
 
 QString UiServices::AppTitle() { return QStringLiteral("Ombrelle Viewer"); }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include <QString>
@@ -40,6 +41,22 @@ struct FileDialogRequest {
   int filterIndex = 0;          // 1-based filter the dialog starts on; 0 the first
 };
 
+// One folder chooser request: the chooser stays open until `accept` takes
+// the chosen folder (it shows its own messages) or the user cancels.
+struct FolderRequest {
+  QString title;
+  QString prompt;
+  QString folder;                              // the folder shown first
+  bool allowCreate = true;                     // the chooser may make new folders
+  bool showKill = false;                       // offers "Delete all files"
+  std::function<bool(const QString&)> accept;  // the checks of "Select"
+  // Actions of the chooser's buttons, for choosers that show them.
+  std::function<bool(const QString&)> create;
+  std::function<void(const QString&)> view;
+  std::function<void(const QString&)> kill;
+  std::function<bool(const QString&)> warnNotEmpty;  // whether to show the warning
+};
+
 // The one road from the program to its user: every message, question, input
 // box, file or folder dialog, shell open, clipboard write and the busy cursor
 // go through the current service. The windows install the dialog-based one,
@@ -63,6 +80,9 @@ class UiServices {
   virtual QString SaveFileDialog(const FileDialogRequest& request) = 0;
   virtual QString OpenFileDialog(const FileDialogRequest& request) = 0;
   virtual QString BrowseFolder(const QString& title, const QString& folder) = 0;
+  // The program's folder chooser. By default a BrowseFolder per attempt,
+  // asked again from the refused folder until `accept` takes one.
+  virtual QString ChooseFolder(const FolderRequest& request);
 
   // Opens a file or address with the desktop's default handler.
   virtual bool ShellOpen(const QString& pathOrUrl) = 0;

@@ -250,7 +250,7 @@ TEST(ZelmChartDraw, ScatterTexts) {
       << TextsOf(l).join(QLatin1Char('|')).toStdString();
 }
 
-TEST(ZelmChartOutput, BitmapKeepsTheAspectAndWmfWaitsForItsWriter) {
+TEST(ZelmChartOutput, BitmapKeepsTheAspectAndWmfIsPlaceable) {
   ZelmChart chart;
   Drawn(chart, 0, {Series({1, 2, 3})});
   const std::unique_ptr<Bitmap> bitmap = chart.GetBitmap(600, 24);
@@ -258,8 +258,12 @@ TEST(ZelmChartOutput, BitmapKeepsTheAspectAndWmfWaitsForItsWriter) {
   EXPECT_EQ(bitmap->Width(), 600);
   EXPECT_EQ(bitmap->Height(), 448);  // 150 x 112 mm
   const QString file = QDir::temp().filePath(QStringLiteral("chart.wmf"));
-  EXPECT_FALSE(chart.SaveWMF(file, 1));
-  EXPECT_FALSE(QFile::exists(file));
+  ASSERT_TRUE(chart.SaveWMF(file, 1));
+  QFile wmf(file);
+  ASSERT_TRUE(wmf.open(QIODevice::ReadOnly));
+  EXPECT_EQ(wmf.read(4), QByteArray("\xD7\xCD\xC6\x9A", 4)) << "the placeable key";
+  wmf.close();
+  QFile::remove(file);
 }
 
 // Every kind on the data sets that break charts: nothing, one value, all equal, all zero,

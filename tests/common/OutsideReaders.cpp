@@ -184,4 +184,51 @@ void ChromiumScreenshot(const QString& document, const QString& png, int width, 
   EXPECT_TRUE(QFile::exists(png)) << process.readAllStandardError().toStdString();
 }
 
+QByteArray OutsideReaderOutput(const QString& program, const QStringList& arguments) {
+  const QString path = QStandardPaths::findExecutable(program);
+  if (path.isEmpty()) {
+    ADD_FAILURE() << program.toStdString()
+                  << " is not installed (scripts/install-deps.sh test installs it)";
+    return {};
+  }
+  QProcess process;
+  process.start(path, arguments);
+  if (!process.waitForFinished(60000)) {
+    ADD_FAILURE() << program.toStdString() << " did not finish";
+    process.kill();
+    return {};
+  }
+  const QByteArray out = process.readAllStandardOutput();
+  if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
+    ADD_FAILURE() << program.toStdString() << " " << arguments.join(' ').toStdString()
+                  << " failed: " << process.readAllStandardError().toStdString();
+    return {};
+  }
+  return out;
+}
+
+QByteArray Gif2RgbPixels(const QString& path) {
+  // gif2rgb writes to a file only; -1 gives one file of red, green, blue.
+  const QString out = path + QStringLiteral(".rgb");
+  QFile::remove(out);
+  OutsideReaderOutput(QStringLiteral("gif2rgb"),
+                      {QStringLiteral("-1"), QStringLiteral("-o"), out, path});
+  QFile file(out);
+  if (!file.open(QIODevice::ReadOnly)) return {};
+  const QByteArray pixels = file.readAll();
+  file.close();
+  QFile::remove(out);
+  return pixels;
+}
+
+QByteArray ImageMagickRgbPixels(const QString& path) {
+  return OutsideReaderOutput(QStringLiteral("convert"),
+                             {QStringLiteral("-regard-warnings"), path, QStringLiteral("-depth"),
+                              QStringLiteral("8"), QStringLiteral("rgb:-")});
+}
+
+QString GiftextReport(const QString& path) {
+  return QString::fromLatin1(OutsideReaderOutput(QStringLiteral("giftext"), {path}));
+}
+
 }  // namespace ombrelle::test

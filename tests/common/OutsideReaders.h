@@ -2,6 +2,7 @@
 
 class QImage;
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -46,5 +47,19 @@ QString ArtefactPath(const QString& suite, const QString& name);
 // PNG `png` of the given size; a test failure when Chromium is missing or
 // writes no picture.
 void ChromiumScreenshot(const QString& document, const QString& png, int width, int height);
+
+// GIF readers (giflib-tools, ImageMagick). Each fails the test when its
+// program is missing, since the test command installs them.
+
+// The pixels of a GIF as red, green, blue bytes, top row first, decoded by
+// gif2rgb; empty (and a test failure) when it rejects the file.
+QByteArray Gif2RgbPixels(const QString& path);
+// The same through ImageMagick (`convert f.gif rgb:-`).
+QByteArray ImageMagickRgbPixels(const QString& path);
+// What giftext prints about the file; a failure when it exits with an error.
+QString GiftextReport(const QString& path);
+// Runs a program and returns its standard output; fails the test when it is
+// missing, does not end within a minute or exits with an error.
+QByteArray OutsideReaderOutput(const QString& program, const QStringList& arguments);
 
 }  // namespace ombrelle::test

@@ -42,9 +42,11 @@ int main(int argc, char** argv) {
   setenv("XDG_CACHE_HOME", (home + "/.cache").c_str(), 1);
   setenv("TMPDIR", tmp.c_str(), 1);
   // Window tests that need a real display run under xvfb-run with
-  // OMBRELLE_TEST_XVFB set; every other run draws offscreen.
+  // OMBRELLE_TEST_XVFB or OMBRELLE_UNDER_XVFB set; every other run draws
+  // offscreen.
   const char* xvfb = getenv("OMBRELLE_TEST_XVFB");
-  if (xvfb && *xvfb && getenv("DISPLAY")) {
+  const bool underXvfb = (xvfb && *xvfb) || getenv("OMBRELLE_UNDER_XVFB");
+  if (underXvfb && getenv("DISPLAY")) {
     setenv("QT_QPA_PLATFORM", "xcb", 1);
   } else {
     setenv("QT_QPA_PLATFORM", "offscreen", 1);

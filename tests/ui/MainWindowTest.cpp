@@ -349,7 +349,7 @@ TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {
     for (QAction* entry : top->menu()->actions()) entries << entry->text();
     seen << top->text() + QLatin1Char(':') + entries.join(QLatin1Char('|'));
   }
-  EXPECT_EQ(seen, QStringList({"&File:&Export table...|Export X&ML...|E&xit",
+  EXPECT_EQ(seen, QStringList({"&File:&Databases...|&Export table...|Export X&ML...|E&xit",
                                "&Edit:&Copy table|&Find line...|Find &again",
                                "&Chart:&Bar chart of metric|&Histogram of metric|"
                                "&Distribution of metric||&Pie of limits on metric|"

@@ -26,6 +26,7 @@
 #include "shell/ui/ChartMenus.h"
 #include "shell/ui/ComboBinding.h"
 #include "shell/ui/OptionsMenuEntries.h"
+#include "shell/ui/DatabasesMenu.h"
 #include "shell/ui/StatsFrame.h"
 #include "shell/ui/ReportMenus.h"
 #include "shell/ui/TableMenus.h"
@@ -213,6 +214,7 @@ QAction* frmMetrics::AddEntry(QMenu* menu, const QString& name, const QString& c
 void frmMetrics::BuildMenus() {
   QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
   file->setObjectName(QStringLiteral("mFile"));
+  AddDatabasesMenuEntry(*file, m_model, *this);
   QAction* fileExit = AddEntry(file, QStringLiteral("mFileClose"), QStringLiteral("E&xit"));
   connect(fileExit, &QAction::triggered, this, &QWidget::close);
 

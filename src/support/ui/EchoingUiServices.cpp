@@ -52,6 +52,10 @@ QString EchoingUiServices::BrowseFolder(const QString& title, const QString& fol
   return m_inner.BrowseFolder(title, folder);
 }
 
+QString EchoingUiServices::ChooseFolder(const FolderRequest& request) {
+  return m_inner.ChooseFolder(request);
+}
+
 bool EchoingUiServices::ShellOpen(const QString& pathOrUrl) { return m_inner.ShellOpen(pathOrUrl); }
 
 void EchoingUiServices::SetClipboardText(const QString& text) { m_inner.SetClipboardText(text); }

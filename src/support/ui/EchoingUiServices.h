@@ -23,6 +23,7 @@ class EchoingUiServices : public UiServices {
   QString SaveFileDialog(const FileDialogRequest& request) override;
   QString OpenFileDialog(const FileDialogRequest& request) override;
   QString BrowseFolder(const QString& title, const QString& folder) override;
+  QString ChooseFolder(const FolderRequest& request) override;
   bool ShellOpen(const QString& pathOrUrl) override;
   void SetClipboardText(const QString& text) override;
   void SetClipboardPicture(const QImage& image, const QByteArray& emf) override;

@@ -19,6 +19,8 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "support/ui/SelectFolderDialog.h"
+
 namespace ombrelle {
 
 namespace {
@@ -212,6 +214,11 @@ QString QtUiServices::OpenFileDialog(const FileDialogRequest& request) {
 
 QString QtUiServices::BrowseFolder(const QString& title, const QString& folder) {
   return QFileDialog::getExistingDirectory(DialogParent(), CaptionOr(title), folder);
+}
+
+QString QtUiServices::ChooseFolder(const FolderRequest& request) {
+  SelectFolderDialog dialog(request, DialogParent());
+  return dialog.exec() == QDialog::Accepted ? dialog.Folder() : QString();
 }
 
 bool QtUiServices::ShellOpen(const QString& pathOrUrl) {

@@ -1,0 +1,41 @@
+#pragma once
+
+namespace ombrelle {
+
+// Number texts written as ASCII bytes straight into a caller's buffer, with
+// no string objects in between: the building blocks of FormatNum and of the
+// XML export. Every function writes to `out` and returns the number of bytes.
+
+// Room enough for any text of these functions: the whole part of the largest
+// double (309 digits), a point and up to kMaxDecimals decimals.
+inline constexpr int kNumberCharsMax = 720;
+// More decimals than any double has digits after the point (the tiniest has
+// 340 or so); beyond, a fixed text only gains zeros.
+inline constexpr int kMaxDecimals = 400;
+
+// The decimal digits of a double: value = 0.d1d2d3... x 10^Point, without
+// sign, leading or trailing zeros (a single "0" for zero).
+struct DecimalDigits {
+  char Digits[24];
+  int Count = 0;
+  int Point = 0;
+};
+
+// The shortest digits that read back as `value` (its absolute value; finite).
+// Whole numbers below 10^15 take an integer road.
+void ShortestDigits(double value, DecimalDigits& digits);
+
+// "NaN", "Inf" or "-Inf" for a value that is not finite.
+int NonFiniteChars(double value, char* out);
+
+// `value` (finite) rounded half away from zero on its shortest digits to
+// `decimals` places (0 to kMaxDecimals) in fixed notation, "." as decimal point; a
+// result of zero has no sign. `digits` are the ShortestDigits of `value`.
+int RoundDecimalChars(double value, const DecimalDigits& digits, int decimals, char* out);
+// The same, finding the digits itself; not finite values give NonFiniteChars.
+int RoundDecimalChars(double value, int decimals, char* out);
+
+// A whole number in decimal.
+int IntegerChars(long long value, char* out);
+
+}  // namespace ombrelle
