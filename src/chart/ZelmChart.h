@@ -103,6 +103,10 @@ class ZelmChart {
   const std::vector<YLine>& YLines() const { return m_yLines; }
   int SeriesCount() const { return static_cast<int>(m_series.size()); }
   int AxisCount() const { return m_axisCount; }
+  const std::vector<CStats>& SeriesData() const { return m_series; }
+  const QStringList& LegendData() const { return m_legendData; }
+  const QStringList& DataLabels() const { return m_dataLabels; }
+  const QStringList& KiviatLabels() const { return m_kiviatLabels; }
 
  private:
   // Drawing helpers over the recording (ZelmChart.cpp).

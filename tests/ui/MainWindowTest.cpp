@@ -351,11 +351,42 @@ TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {
   }
   EXPECT_EQ(seen, QStringList({"&File:&Databases...|&Export table...|Export X&ML...|E&xit",
                                "&Edit:&Copy table|&Find line...|Find &again",
+                               "&Chart:&Bar chart of metric|&Histogram of metric|"
+                               "&Distribution of metric||&Pie of limits on metric|"
+                               "&Kiviat of limits on page",
                                "&Report:&Data on current page|D&ata+Summary on current page||&Project status|"
                                "&Compare project status|&Limits report||&Metrics list|"
                                "Metrics list, s&orted||&Explore saved reports",
                                "&Options:&Selections...|&Limits...||&Display charts|&Rotated view",
                                "&Help:&Contents|&About Ombrelle"}));
+}
+
+// Each Chart entry opens a picture window titled after its chart.
+TEST_F(MainWindow, ChartEntriesOpenPictureWindows) {
+  frmMetrics& window = Open();
+  ScopedScriptedUi scripted;
+  ClickTab(4);
+  Choose(PageCombo::MetricLimit, QStringLiteral("<Default limits>"));
+  const char* entries[] = {"mChartBar", "mChartHistogram", "mChartDistribution", "mChartPieLimits",
+                           "mChartKiviat"};
+  int shown = 0;
+  for (const char* name : entries) {
+    QAction* entry = window.MenuEntry(QString::fromLatin1(name));
+    ASSERT_NE(entry, nullptr) << name;
+    const size_t messages = scripted.ui.messages.size();
+    entry->trigger();
+    ProcessEvents();
+    const QList<QWidget*> views = window.findChildren<QWidget*>(QStringLiteral("ChartWindow"));
+    ASSERT_EQ(scripted.ui.messages.size(), messages)
+        << name << ": " << scripted.ui.messages.back().text.toStdString();
+    ASSERT_EQ(views.size(), shown + 1) << name;
+    QWidget* view = views.last();
+    EXPECT_TRUE(view->isWindow());
+    EXPECT_FALSE(view->windowTitle().isEmpty());
+    EXPECT_TRUE(view->grab().toImage().save(OutputFolder() + QLatin1Char('/') +
+                                            QString::fromLatin1(name) + QStringLiteral(".png")));
+    ++shown;
+  }
 }
 
 TEST_F(MainWindow, DisplayChartsIsStoredAndChecked) {

@@ -23,6 +23,7 @@
 #include "grid/ui/OwnerGrid.h"
 #include "shell/StartupState.h"
 #include "shell/ui/AboutBox.h"
+#include "shell/ui/ChartMenus.h"
 #include "shell/ui/ComboBinding.h"
 #include "shell/ui/OptionsMenuEntries.h"
 #include "shell/ui/DatabasesMenu.h"
@@ -242,6 +243,7 @@ void frmMetrics::BuildMenus() {
 
   AddTableMenus(*this, m_model, file, fileExit);
   AddReportMenus(*this, m_model);
+  AddChartMenus(*this, m_model);
 }
 
 void frmMetrics::Load(const QString& inputFile, bool about, int aboutMs) {
