@@ -237,6 +237,50 @@ std::unique_ptr<ZelmChart> ChartCommands::MakeCompareChart(const std::vector<int
   return chart;
 }
 
+std::unique_ptr<ZelmChart> ChartCommands::CompareMetrics(const std::vector<MetricId>& metrics,
+                                                         bool histograms) {
+  std::vector<int> series;
+  for (MetricId metric : metrics)
+    if (const int index = m_page.FindSeries(metric); index > 0) series.push_back(index);
+  if (series.empty()) {
+    Warn(QStringLiteral("No data"));
+    return nullptr;
+  }
+  return MakeCompareChart(series, histograms);
+}
+
+bool ChartCommands::TimeChartPossible() {
+  if (m_page.Pages(m_page.CurrentPage()).Rows >= 2) return true;
+  Warn(QStringLiteral("This chart requires at least 2 analyses of the same project."));
+  return false;
+}
+
+std::unique_ptr<ZelmChart> ChartCommands::TimeChartOfMetrics(const std::vector<MetricId>& metrics) {
+  if (!TimeChartPossible()) return nullptr;
+  return MakeXYChart(kDateMetric, metrics, QString(), true);
+}
+
+bool ChartCommands::XYChartPossible() {
+  if (m_page.Pages(m_page.CurrentPage()).Rows >= 2) return true;
+  Warn(QStringLiteral("XY chart requires at least 2 lines of data."));
+  return false;
+}
+
+void ChartCommands::FillMetricCombo(ListModel& combo, MetricId selected, bool withNone) const {
+  combo.Clear();
+  if (withNone) combo.AddItem(QStringLiteral("<None>"), 0);
+  const PageRecord& record = m_page.Pages(m_page.CurrentPage());
+  for (int i = 0; record.FirstColumn > 0 && i < record.ColumnCount; ++i) {
+    const MetricId metric = m_page.SeriesMetric(record.FirstColumn + i);
+    combo.AddItem(m_page.MetricCaption(metric), metric);
+  }
+  int chosen = -1;
+  for (int i = 0; i < combo.ListCount() && chosen < 0; ++i)
+    if (combo.ItemData(i) == selected) chosen = i;
+  if (chosen < 0 && combo.ListCount() > 0) chosen = 0;
+  if (chosen >= 0) combo.SetListIndex(chosen);
+}
+
 bool ChartCommands::TimePreset(MetricId metric, QString& title, std::vector<MetricId>& metrics) {
   struct Preset {
     std::vector<MetricId> members;

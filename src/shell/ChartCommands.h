@@ -11,6 +11,7 @@
 namespace ombrelle {
 
 class CStats;
+class ListModel;
 class PageModel;
 class ZelmChart;
 
@@ -64,6 +65,22 @@ class ChartCommands {
   std::unique_ptr<ZelmChart> GetCorrelationChart(MetricId x, MetricId y);
   std::unique_ptr<ZelmChart> MakePieOfLimits(int series);
   std::unique_ptr<ZelmChart> MakeKiviatOfLimits();
+
+  // The compare command once metrics are chosen: each metric's series on
+  // this page (a metric not on the page is left out silently); the warning
+  // "No data" and null when none is left.
+  std::unique_ptr<ZelmChart> CompareMetrics(const std::vector<MetricId>& metrics, bool histograms);
+  // The time chart command once metrics are chosen: the page needs 2 rows.
+  std::unique_ptr<ZelmChart> TimeChartOfMetrics(const std::vector<MetricId>& metrics);
+  // The check the time chart command makes before asking for metrics;
+  // false with its warning.
+  bool TimeChartPossible();
+  // The check the XY command makes before opening its window.
+  bool XYChartPossible();
+  // The metric columns of the page, as "<None>" (data 0) when withNone and
+  // then each series' caption with its metric id; `selected` is chosen, or
+  // the first item when it is not there.
+  void FillMetricCombo(ListModel& combo, MetricId selected, bool withNone) const;
 
   // The correlation matrix and the significant regression lines of the page;
   // false (with a warning, buffers empty) when the page allows none.

@@ -7,6 +7,7 @@
 #include "chart/ChartScale.h"
 #include "chart/ZelmChart.h"
 #include "common/OutsideReaders.h"
+#include "core/ListModel.h"
 #include "pictures/Bitmap.h"
 #include "shell/ChartCommands.h"
 #include "shell/PageModelFixture.h"
@@ -355,6 +356,38 @@ TEST_F(ChartCommandsTest, CompareChartFoldsFormatsAndLabelsEachSeries) {
   EXPECT_EQ(histograms->Scale().YFormat, kAxisPercent);
   EXPECT_EQ(histograms->AxisCaption, model->PageTitle());
   Save(*histograms, "CompareHistograms.png");
+}
+
+TEST_F(ChartCommandsTest, CompareLeavesOutMetricsOfOtherPagesAndSaysNoDataForNone) {
+  ChartCommands commands(*model);
+  model->TabClicked(4);
+  const int first = model->Pages(4).FirstColumn;
+  const MetricId onPage = model->SeriesMetric(first);
+  ASSERT_EQ(model->FindSeries(4001), 0);  // a procedure metric is not on the class page
+  auto chart = commands.CompareMetrics({4001, onPage}, false);
+  ASSERT_TRUE(chart);
+  EXPECT_EQ(chart->LegendData(), QStringList{model->SeriesCaption(first)});
+  EXPECT_TRUE(Warnings().isEmpty());
+  EXPECT_FALSE(commands.CompareMetrics({4001}, true));
+  EXPECT_EQ(Warnings(), QStringList{"No data"});
+}
+
+TEST_F(ChartCommandsTest, MetricComboListsThePageWithNoneFirst) {
+  ChartCommands commands(*model);
+  model->TabClicked(4);
+  const PageRecord& record = model->Pages(4);
+  const MetricId second = model->SeriesMetric(record.FirstColumn + 1);
+  ListModel combo;
+  commands.FillMetricCombo(combo, second, true);
+  ASSERT_EQ(combo.ListCount(), record.ColumnCount + 1);
+  EXPECT_EQ(combo.List(0), "<None>");
+  EXPECT_EQ(combo.ItemData(0), 0);
+  EXPECT_EQ(combo.ItemData(2), second);
+  EXPECT_EQ(combo.ListIndex(), 2);
+  commands.FillMetricCombo(combo, 9999, false);
+  EXPECT_EQ(combo.ListCount(), record.ColumnCount);
+  EXPECT_EQ(combo.ListIndex(), 0);
+  EXPECT_EQ(combo.List(0), model->SeriesCaption(record.FirstColumn));
 }
 
 }  // namespace

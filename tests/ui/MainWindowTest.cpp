@@ -1,6 +1,7 @@
 // The main window on the sample databases: pages, combos, statistics frame,
 // rotation, sorting, keys, menus, help, the About box and window placement.
 // Screenshots of every step go to <build>/test-output/MainWindow/.
+#include <functional>
 #include <memory>
 
 #include <gtest/gtest.h>
@@ -18,8 +19,10 @@
 #include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QPushButton>
 #include <QTabBar>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include "common/MessageAssertions.h"
 #include "core/MetricRead.h"
@@ -352,7 +355,8 @@ TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {
   EXPECT_EQ(seen, QStringList({"&File:&Databases...|&Export table...|Export X&ML...|E&xit",
                                "&Edit:&Copy table|&Find line...|Find &again",
                                "&Chart:&Bar chart of metric|&Histogram of metric|"
-                               "&Distribution of metric||&Pie of limits on metric|"
+                               "&Distribution of metric|&Compare metrics...|"
+                               "C&ompare histograms...|&Time chart...||&Pie of limits on metric|"
                                "&Kiviat of limits on page",
                                "&Report:&Data on current page|D&ata+Summary on current page||&Project status|"
                                "&Compare project status|&Limits report||&Metrics list|"
@@ -387,6 +391,43 @@ TEST_F(MainWindow, ChartEntriesOpenPictureWindows) {
                                             QString::fromLatin1(name) + QStringLiteral(".png")));
     ++shown;
   }
+}
+
+// Acts on the next modal dialog as soon as it shows.
+void WhenDialogShows(std::function<void(QDialog&)> act) {
+  QTimer::singleShot(10, [act] {
+    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
+      act(*dialog);
+    else
+      WhenDialogShows(act);
+  });
+}
+
+// The compare entries ask for metrics first; all five on "<None>" is refused.
+TEST_F(MainWindow, CompareEntryAsksForMetrics) {
+  frmMetrics& window = Open();
+  ScopedScriptedUi scripted;
+  ClickTab(4);
+  WhenDialogShows([](QDialog& dialog) {
+    dialog.findChild<QPushButton*>(QStringLiteral("bOK"))->click();
+  });
+  window.MenuEntry(QStringLiteral("mChartCompare0"))->trigger();
+  ProcessEvents();
+  QList<QWidget*> views = window.findChildren<QWidget*>(QStringLiteral("ChartWindow"));
+  ASSERT_EQ(views.size(), 1);
+  EXPECT_TRUE(views[0]->grab().toImage().save(OutputFolder() +
+                                              QStringLiteral("/mChartCompare0.png")));
+  WhenDialogShows([](QDialog& dialog) {
+    auto* first = dialog.findChild<QComboBox*>(QStringLiteral("cboMetric0"));
+    first->setCurrentIndex(0);
+    dialog.findChild<QPushButton*>(QStringLiteral("bOK"))->click();
+    EXPECT_TRUE(dialog.isVisible());
+    dialog.findChild<QPushButton*>(QStringLiteral("bCancel"))->click();
+  });
+  window.MenuEntry(QStringLiteral("mChartCompare1"))->trigger();
+  ProcessEvents();
+  EXPECT_EQ(scripted.ui.MessageTexts(), QStringList{"Select 1 or more metrics."});
+  EXPECT_EQ(window.findChildren<QWidget*>(QStringLiteral("ChartWindow")).size(), 1);
 }
 
 TEST_F(MainWindow, DisplayChartsIsStoredAndChecked) {

@@ -12,6 +12,7 @@
 #include "shell/ChartCommands.h"
 #include "shell/PageModel.h"
 #include "shell/ui/TableMenus.h"
+#include "shell/ui/frmSelectManyMetrics.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
@@ -69,6 +70,30 @@ void AddChartMenus(QMainWindow& window, PageModel& model) {
   });
   add("mChartDistribution", "&Distribution of metric", [owner, page] {
     ShowChart(*owner, ChartCommands(*page).MakeDistributionChart(page->CurrentSeries()));
+  });
+  add("mChartCompare0", "&Compare metrics...", [owner, page] {
+    ChartCommands commands(*page);
+    std::vector<MetricId> metrics;
+    if (frmSelectManyMetrics::Display(owner, commands, page->CurrentMetric(), metrics))
+      if (auto chart = commands.CompareMetrics(metrics, false)) ShowChart(*owner, std::move(chart));
+  });
+  add("mChartCompare1", "C&ompare histograms...", [owner, page] {
+    ChartCommands commands(*page);
+    std::vector<MetricId> metrics;
+    if (frmSelectManyMetrics::Display(owner, commands, page->CurrentMetric(), metrics))
+      if (auto chart = commands.CompareMetrics(metrics, true)) ShowChart(*owner, std::move(chart));
+  });
+  add("mChartTime", "&Time chart...", [owner, page] {
+    ChartCommands commands(*page);
+    std::vector<MetricId> metrics;
+    if (commands.TimeChartPossible() &&
+        frmSelectManyMetrics::Display(owner, commands, page->CurrentMetric(), metrics))
+      ShowChart(*owner, commands.TimeChartOfMetrics(metrics));
+  });
+  // The time chart is only for the page of a project in time.
+  QObject::connect(menu, &QMenu::aboutToShow, menu, [menu, page] {
+    if (auto* time = menu->findChild<QAction*>(QStringLiteral("mChartTime")))
+      time->setEnabled(page->CurrentPage() == 2);
   });
   menu->addSeparator();
   add("mChartPieLimits", "&Pie of limits on metric", [owner, page] {

@@ -6,9 +6,10 @@ namespace ombrelle {
 
 class PageModel;
 
-// The Chart menu: the charts of the current column and page that need no
-// dialog (bar chart, histogram, distribution, pie and Kiviat of limits), each
-// shown in a picture window owned by the main window.
+// The Chart menu: bar chart, histogram and distribution of the current
+// column, the compare charts and the time chart of metrics chosen in a
+// dialog, the pie and the Kiviat of limits; each chart is shown in a picture
+// window owned by the main window.
 void AddChartMenus(QMainWindow& window, PageModel& model);
 
 }  // namespace ombrelle
