@@ -82,23 +82,6 @@ class TableExportWindow : public ::testing::Test {
   std::unique_ptr<frmMetrics> m_window;
 };
 
-TEST_F(TableExportWindow, MenusHoldTheTableEntriesInOrder) {
-  const auto captions = [this](const char* menuName) {
-    QStringList list;
-    const auto* menu = m_window->menuBar()->findChild<QMenu*>(QString::fromLatin1(menuName));
-    if (menu)
-      for (QAction* action : menu->actions()) list << action->text();
-    return list;
-  };
-  EXPECT_EQ(captions("mFile"), (QStringList{"&Export table...", "Export X&ML...", "E&xit"}));
-  EXPECT_EQ(captions("mEdit"), (QStringList{"&Copy table", "&Find line...", "Find &again"}));
-  EXPECT_EQ(captions("mReport"),
-            (QStringList{"&Data on current page", "D&ata+Summary on current page"}));
-  QStringList bar;
-  for (QAction* action : m_window->menuBar()->actions()) bar << action->text();
-  EXPECT_EQ(bar, (QStringList{"&File", "&Edit", "&Report", "&Options", "&Help"}));
-}
-
 TEST_F(TableExportWindow, ExportsTheProceduresPageInThreeKindsAndCopiesIt) {
   const OwnerGridLogic& grid = m_window->Grid().Logic();
   ASSERT_EQ(m_window->Model().CurrentPage(), kProcedures);
