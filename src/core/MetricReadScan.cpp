@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "core/DatabaseFiles.h"
 #include "core/MetricRead.h"
 #include "core/MetricSave.h"
 #include "support/Codepage.h"
@@ -72,8 +73,7 @@ int MetricRead::ScanFolder(const QString& folder, const QString& namedFile) {
   if (folder.isEmpty()) return 0;
   const QString base = ResolvePath(QString(), folder);
   // A folder that is gone or cannot be read lists nothing: it is passed over.
-  QDir dir(base);
-  const QStringList names = dir.entryList({QStringLiteral("*.qvz")}, QDir::Files, QDir::Name);
+  const QStringList names = ListDatabaseFiles(base);
   if (names.isEmpty()) return 0;
   // `base` is folded already and the names hold no separators: joining them
   // needs no further folding.
