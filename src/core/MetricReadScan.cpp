@@ -79,12 +79,14 @@ int MetricRead::ScanFolder(const QString& folder, const QString& namedFile) {
   // needs no further folding.
   const QString prefix = base.endsWith(QLatin1Char('/')) ? base : base + QLatin1Char('/');
   const QString named = namedFile.toLower();
+  // Lower case maps code by code: the folder's part is lowered once.
+  const QString lowerPrefix = prefix.toLower();
   // The time zone is read once for the file dates of the whole folder.
   tzset();
   int added = 0;
   for (const QString& name : names) {
     const QString path = prefix + name;
-    QString lower = path.toLower();
+    QString lower = lowerPrefix + name.toLower();
     if (m_knownPaths.contains(lower) && FindDatabase(path) != 0) continue;
     DatabaseHeader header;
     double fileDate = 0;

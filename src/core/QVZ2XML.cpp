@@ -5,6 +5,7 @@
 #include <cstring>
 #include <exception>
 #include <new>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -18,7 +19,6 @@
 #include "support/FileIO.h"
 #include "support/Filename.h"
 #include "support/FormatNum.h"
-#include "support/NumberChars.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
@@ -221,41 +221,24 @@ void QVZ2XML::WriteMetric(int metric) {
   out.WriteEscaped(definitions.GetMetricName(metric, NameDescription));
   out.Write("'>\r\n");
   const int32_t count = column.count();
-  static constexpr std::string_view kOpen = "   <value display='";
-  static constexpr std::string_view kMiddle = "'>";
-  static constexpr std::string_view kClose = "</value>\r\n";
-  static constexpr qsizetype kLineMax =
-      kOpen.size() + kNumberCharsMax + kMiddle.size() + kXmlNumberMaxBytes + kClose.size();
-  for (int32_t i = 1; i <= count && !out.Failed(); ++i) {
-    const double value = column.ValueAtIndex(i);
-    // A fraction's digits are found once for its display and its raw form;
-    // whole numbers take an integer road in both.
-    DecimalDigits digits;
-    const DecimalDigits* known = nullptr;
-    if (std::isfinite(value) && !(std::fabs(value) < 1e15 && value == std::trunc(value))) {
-      ShortestDigits(value, digits);
-      known = &digits;
-    }
+  const std::span<const double> stored = column.StoredOrderValues();
+  for (int32_t i = 0; i < count && !out.Failed(); ++i) {
+    const double value =
+        i < static_cast<int32_t>(stored.size()) ? stored[i] : column.ValueAtIndex(i + 1);
     // The whole line goes straight into the output buffer.
-    char* const line = out.Claim(kLineMax);
-    const int display = line ? FormatMetricChars(format, value, known, line + kOpen.size()) : -1;
-    if (display >= 0) {
-      std::memcpy(line, kOpen.data(), kOpen.size());
-      char* p = line + kOpen.size() + display;
-      std::memcpy(p, kMiddle.data(), kMiddle.size());
-      p += kMiddle.size();
-      p += XmlNumber(value, known, p);
-      std::memcpy(p, kClose.data(), kClose.size());
-      out.Advance(p + kClose.size() - line);
+    char* const line = out.Claim(kXmlValueLineMax);
+    const int length = line ? XmlValueLine(format, value, line) : -1;
+    if (length >= 0) {
+      out.Advance(length);
       continue;
     }
     // A date in a locale pattern of more than digits and separators: its
     // text comes from the locale and may need escaping.
-    out.Write(kOpen);
+    out.Write("   <value display='");
     out.WriteEscaped(FormatMetric(format, value));
-    out.Write(kMiddle);
+    out.Write("'>");
     out.WriteNumber(value);
-    out.Write(kClose);
+    out.Write("</value>\r\n");
   }
   out.Write("  </metric>\r\n");
 }

@@ -4,7 +4,9 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <string_view>
 
+#include "support/FormatNum.h"
 #include "support/NumberChars.h"
 
 namespace ombrelle {
@@ -66,8 +68,7 @@ int XmlNumber(double value, const DecimalDigits* known, char* out) {
 
   // Whole numbers of up to 15 digits are written as they are: the common case.
   if (std::fabs(value) < 1e15 && value == std::trunc(value))
-    return static_cast<int>(
-        std::to_chars(out, out + kXmlNumberMaxBytes, static_cast<long long>(value)).ptr - out);
+    return IntegerChars(static_cast<long long>(value), out);
 
   // Fifteen significant digits, rounded once. When the shortest digits that
   // read back are no more than fifteen they are that rounding already: a
@@ -82,7 +83,28 @@ int XmlNumber(double value, const DecimalDigits* known, char* out) {
   const char* digits = shortest.Digits;
   int count = shortest.Count;
   int exponent = shortest.Point - 1;
-  if (count > 15 || std::fabs(value) < DBL_MIN) {
+  if (count > 15 && std::fabs(value) >= DBL_MIN && !(count == 16 && digits[15] == '5')) {
+    // More than fifteen shortest digits: they lie on the same side of every
+    // fifteen-digit midpoint as the value itself, unless they are that
+    // midpoint (sixteen digits ending in 5), so rounding them half up is
+    // rounding the value.
+    std::memcpy(digitsRounded, digits, 15);
+    count = 15;
+    if (digits[15] >= '5') {
+      int i = 15;
+      while (i > 0 && digitsRounded[i - 1] == '9') --i;
+      if (i == 0) {
+        digitsRounded[0] = '1';
+        count = 1;
+        ++exponent;
+      } else {
+        ++digitsRounded[i - 1];
+        count = i;
+      }
+    }
+    while (count > 1 && digitsRounded[count - 1] == '0') --count;
+    digits = digitsRounded;
+  } else if (count > 15 || std::fabs(value) < DBL_MIN) {
     // "d.dddddddddddddde+XX"
     const auto sciEnd =
         std::to_chars(sci, sci + sizeof sci, std::fabs(value), std::chars_format::scientific, 14)
@@ -126,6 +148,63 @@ int XmlNumber(double value, const DecimalDigits* known, char* out) {
     if (magnitude < 10) *p++ = '0';
     p = std::to_chars(p, out + kXmlNumberMaxBytes, magnitude).ptr;
   }
+  return static_cast<int>(p - out);
+}
+
+namespace {
+constexpr std::string_view kLineOpen = "   <value display='";
+constexpr std::string_view kLineMiddle = "'>";
+constexpr std::string_view kLineClose = "</value>\r\n";
+static_assert(kLineOpen.size() + kNumberCharsMax + kLineMiddle.size() + kXmlNumberMaxBytes +
+                  kLineClose.size() <=
+              kXmlValueLineMax);
+
+char* Put(char* out, std::string_view text) {
+  std::memcpy(out, text.data(), text.size());
+  return out + text.size();
+}
+}  // namespace
+
+int XmlValueLine(int format, double value, char* out) {
+  char* const display = out + kLineOpen.size();
+  char* p = nullptr;
+  // Whole numbers below a million in the whole-number formats: the display
+  // is the raw digits, grouped by "," from a thousand on.
+  if ((format == 0 || format == 1 || format == 2) && value < 1e6 && value > -1e15) {
+    const auto whole = static_cast<long long>(value);
+    if (static_cast<double>(whole) == value) {
+      char digits[24];
+      const int n = IntegerChars(whole, digits);
+      p = display;
+      if (whole >= 1000) {
+        std::memcpy(p, digits, static_cast<size_t>(n - 3));
+        p[n - 3] = ',';
+        std::memcpy(p + n - 2, digits + n - 3, 3);
+        p += n + 1;
+      } else {
+        std::memcpy(p, digits, static_cast<size_t>(n));
+        p += n;
+      }
+      p = Put(p, kLineMiddle);
+      std::memcpy(p, digits, static_cast<size_t>(n));
+      p += n;
+    }
+  }
+  if (!p) {
+    // A fraction's digits are found once for its display and its raw form.
+    DecimalDigits digits;
+    const DecimalDigits* known = nullptr;
+    if (std::isfinite(value) && !(std::fabs(value) < 1e15 && value == std::trunc(value))) {
+      ShortestDigits(value, digits);
+      known = &digits;
+    }
+    const int length = FormatMetricChars(format, value, known, display);
+    if (length < 0) return -1;
+    p = Put(display + length, kLineMiddle);
+    p += XmlNumber(value, known, p);
+  }
+  Put(out, kLineOpen);
+  p = Put(p, kLineClose);
   return static_cast<int>(p - out);
 }
 

@@ -45,4 +45,12 @@ int XmlNumber(double value, const DecimalDigits* digits, char* out);
 // The same as text.
 QString XmlNumberText(double value);
 
+// Room for any XmlValueLine.
+inline constexpr int kXmlValueLineMax = 800;
+// One value line of the export, "   <value display='" text "'>" raw
+// "</value>" CR LF, with the display text of FormatMetricChars for `format`
+// and the raw form of XmlNumber, written to `out`; the number of bytes, or
+// -1 (nothing written) for a date whose text only the locale can write.
+int XmlValueLine(int format, double value, char* out);
+
 }  // namespace ombrelle

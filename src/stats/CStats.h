@@ -100,6 +100,13 @@ class CStats {
 
   // The value at Index in the current order, 0 where there is none (holes, bad Index).
   double ValueAtIndex(std::int32_t Index) const;
+  // In the stored order (CurrentOrder 0), the values that ValueAtIndex gives
+  // for Index 1 on, as many as are held; empty in any other order.
+  std::span<const double> StoredOrderValues() const {
+    if (m_currentOrder != 0) return {};
+    const std::int32_t n = m_count < m_capacity ? m_count : m_capacity;
+    return {m_values.data(), static_cast<size_t>(n > 0 ? n : 0)};
+  }
   // True and the value when place Index of the current order holds one; false and `value`
   // untouched for a hole or a place outside 1..Capacity. Tells a real 0 from a hole.
   bool ValueAtIndexDefined(std::int32_t Index, double& value) const;

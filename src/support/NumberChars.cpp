@@ -17,9 +17,8 @@ void ShortestDigits(double value, DecimalDigits& digits) {
   if (value < 1e15 && value == std::trunc(value)) {
     // Below 10^15 every whole number is exact, and its own digits are the
     // shortest that read back.
-    char* end = std::to_chars(digits.Digits, digits.Digits + sizeof digits.Digits,
-                              static_cast<long long>(value))
-                    .ptr;
+    char* end =
+        digits.Digits + UnsignedChars(static_cast<unsigned long long>(value), digits.Digits);
     digits.Point = static_cast<int>(end - digits.Digits);
     while (end[-1] == '0') --end;
     digits.Count = static_cast<int>(end - digits.Digits);
@@ -123,8 +122,55 @@ int RoundDecimalChars(double value, int decimals, char* out) {
   return RoundDecimalChars(value, digits, decimals, out);
 }
 
+namespace {
+
+// "00" to "99": two digits at a time.
+constexpr char kDigitPairs[] =
+    "0001020304050607080910111213141516171819"
+    "2021222324252627282930313233343536373839"
+    "4041424344454647484950515253545556575859"
+    "6061626364656667686970717273747576777879"
+    "8081828384858687888990919293949596979899";
+
+// Decimal digits of `value`: one more than the digits of value / 10.
+int DigitCount(unsigned long long value) {
+  int count = 1;
+  for (;;) {
+    if (value < 10) return count;
+    if (value < 100) return count + 1;
+    if (value < 1000) return count + 2;
+    if (value < 10000) return count + 3;
+    value /= 10000;
+    count += 4;
+  }
+}
+
+}  // namespace
+
+int UnsignedChars(unsigned long long value, char* out) {
+  const int count = DigitCount(value);
+  char* p = out + count;
+  while (value >= 100) {
+    const unsigned pair = static_cast<unsigned>(value % 100) * 2;
+    value /= 100;
+    *--p = kDigitPairs[pair + 1];
+    *--p = kDigitPairs[pair];
+  }
+  if (value >= 10) {
+    const unsigned pair = static_cast<unsigned>(value) * 2;
+    *--p = kDigitPairs[pair + 1];
+    *--p = kDigitPairs[pair];
+  } else {
+    *--p = static_cast<char>('0' + value);
+  }
+  return count;
+}
+
 int IntegerChars(long long value, char* out) {
-  return static_cast<int>(std::to_chars(out, out + 24, value).ptr - out);
+  if (value >= 0) return UnsignedChars(static_cast<unsigned long long>(value), out);
+  out[0] = '-';
+  // The magnitude in unsigned arithmetic, so that the smallest value has one.
+  return 1 + UnsignedChars(0ULL - static_cast<unsigned long long>(value), out + 1);
 }
 
 }  // namespace ombrelle

@@ -35,7 +35,8 @@ int RoundDecimalChars(double value, const DecimalDigits& digits, int decimals, c
 // The same, finding the digits itself; not finite values give NonFiniteChars.
 int RoundDecimalChars(double value, int decimals, char* out);
 
-// A whole number in decimal.
+// A whole number in decimal (at most 20 bytes).
 int IntegerChars(long long value, char* out);
+int UnsignedChars(unsigned long long value, char* out);
 
 }  // namespace ombrelle

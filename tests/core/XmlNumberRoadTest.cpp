@@ -3,15 +3,19 @@
 // fifteen digits: the same bytes for any bit pattern of a double.
 
 #include <cfloat>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <random>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "core/XmlNumberReference.h"
 #include "core/XmlText.h"
+#include "support/FormatNum.h"
+#include "support/NumberChars.h"
 
 namespace ombrelle {
 namespace {
@@ -58,6 +62,80 @@ TEST(XmlNumberRoad, SameBytesAsTheFifteenDigitRoad) {
     ASSERT_EQ(Raw(any), RawBefore(any)) << bits;
     const double fraction = cents(random) / (i % 3 == 0 ? 100.0 : 7.0);
     ASSERT_EQ(Raw(fraction), RawBefore(fraction)) << fraction;
+  }
+}
+
+// Values whose shortest digits are sixteen ending in 5 (a fifteen-digit
+// midpoint), or fifteen nines and more that carry into a new digit.
+TEST(XmlNumberRoad, MidpointsAndCarriesAsTheFifteenDigitRoad) {
+  std::mt19937_64 random(2626);
+  std::uniform_int_distribution<long long> fifteen(100000000000000LL, 999999999999999LL);
+  std::uniform_int_distribution<int> exponents(-30, 30);
+  int midpoints = 0;
+  for (int i = 0; i < 100000; ++i) {
+    const std::string text = std::to_string(fifteen(random)) + (i % 2 ? "5" : "95") + "e" +
+                             std::to_string(exponents(random));
+    const double value = std::strtod(text.c_str(), nullptr);
+    DecimalDigits digits;
+    ShortestDigits(value, digits);
+    midpoints += digits.Count == 16 && digits.Digits[15] == '5';
+    ASSERT_EQ(Raw(value), RawBefore(value)) << text;
+    ASSERT_EQ(Raw(-value), RawBefore(-value)) << text;
+  }
+  EXPECT_GT(midpoints, 10000);
+  for (const char* text : {"9.999999999999995", "9.9999999999999951e10", "99999999999999.95",
+                           ".99999999999999949", "9.9999999999999996e-5", "9.99999999999999e300"}) {
+    const double value = std::strtod(text, nullptr);
+    ASSERT_EQ(Raw(value), RawBefore(value)) << text;
+  }
+}
+
+// A value line against its pieces: the display text of the format and the
+// raw form of the fifteen-digit road, for every format and every kind of value.
+TEST(XmlNumberRoad, ValueLineIsItsPieces) {
+  std::vector<double> values = {0.0,
+                                -0.0,
+                                999,
+                                1000,
+                                999999,
+                                1e6,
+                                -1000,
+                                -1e15 + 1,
+                                -1e15,
+                                1e15,
+                                0.5,
+                                -0.5,
+                                999.5,
+                                999999.5,
+                                1.0 / 3,
+                                2.0 / 3 * 1e5,
+                                45123.25,
+                                std::numeric_limits<double>::quiet_NaN(),
+                                std::numeric_limits<double>::infinity(),
+                                -std::numeric_limits<double>::infinity()};
+  std::mt19937_64 random(2627);
+  std::uniform_int_distribution<long long> wholes(-2000000, 2000000);
+  for (int i = 0; i < 3000; ++i) {
+    values.push_back(static_cast<double>(wholes(random)) / (i % 4 == 0 ? 1 : i % 4 == 1 ? 8 : 7));
+    const uint64_t bits = random();
+    double any = 0;
+    std::memcpy(&any, &bits, sizeof any);
+    values.push_back(any);
+  }
+  char line[kXmlValueLineMax];
+  char display[kNumberCharsMax];
+  for (int format = -1; format <= 12; ++format) {
+    for (const double value : values) {
+      const int n = XmlValueLine(format, value, line);
+      const int d = FormatMetricChars(format, value, display);
+      if (d < 0) {
+        ASSERT_EQ(n, -1);
+        continue;
+      }
+      const std::string expected = "   <value display='" + std::string(display, d) + "'>" +
+                                   RawBefore(value) + "</value>\r\n";
+      ASSERT_EQ(std::string(line, n), expected) << format << " " << value;
+    }
   }
 }
 

@@ -3,10 +3,12 @@
 // among them (negatives, zero, tiny, huge, subnormal, not finite, halves).
 
 #include <cfloat>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <random>
+#include <string>
 #include <vector>
 
 #include <QLocale>
@@ -161,6 +163,35 @@ TEST(FormatNumRoad, ShortDatesWithAPlainPatternTakeTheByteRoad) {
   const int n = FormatMetricChars(9, 45283.5, text);
   ASSERT_EQ(n, 10);
   EXPECT_EQ(std::string(text, n), "2023-12-23");
+}
+
+}  // namespace
+}  // namespace ombrelle
+
+namespace ombrelle {
+namespace {
+
+TEST(FormatNumRoad, IntegerCharsWritesWhatToCharsWrites) {
+  std::vector<long long> values = {0, std::numeric_limits<long long>::min(),
+                                   std::numeric_limits<long long>::max()};
+  for (long long power = 1; power <= 1000000000000000000LL; power *= 10) {
+    for (long long near : {power - 1, power, power + 1}) {
+      values.push_back(near);
+      values.push_back(-near);
+    }
+  }
+  std::mt19937_64 random(261);
+  for (int i = 0; i < 20000; ++i) values.push_back(static_cast<long long>(random()) >> (i % 60));
+  for (const long long value : values) {
+    char ours[24], theirs[24];
+    const int n = IntegerChars(value, ours);
+    const char* end = std::to_chars(theirs, theirs + sizeof theirs, value).ptr;
+    ASSERT_EQ(std::string(ours, n), std::string(theirs, static_cast<size_t>(end - theirs)))
+        << value;
+  }
+  char text[24];
+  EXPECT_EQ(std::string(text, UnsignedChars(18446744073709551615ULL, text)),
+            "18446744073709551615");
 }
 
 }  // namespace
