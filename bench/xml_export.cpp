@@ -31,6 +31,12 @@ constexpr int32_t kStoredProcedureMetrics[] = {4001, 4012, 4013, 4014, 4020, 402
                                                4140, 4141, 4142, 4143, 4161, 4180, 4200, 4201};
 constexpr int32_t kStoredFileMetrics[] = {2001, 2020, 2030, 2031};
 
+long MinorFaults() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_minflt;
+}
+
 double PeakMegabytes() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
@@ -164,6 +170,7 @@ void BM_ExportXml(benchmark::State& state) {
   }
   const double peakBefore = PeakMegabytes();
   const QString output = Folder().filePath(QStringLiteral("bench%1.xml").arg(rows));
+  const long faultsBefore = MinorFaults();
   for (auto _ : state) {
     QVZ2XML exporter;
     QString name = output;
@@ -174,6 +181,8 @@ void BM_ExportXml(benchmark::State& state) {
     database.xmlBytes = exporter.BytesWritten();
   }
   const double peakAfter = PeakMegabytes();
+  state.counters["page_faults"] = benchmark::Counter(
+      static_cast<double>(MinorFaults() - faultsBefore), benchmark::Counter::kAvgIterations);
   state.SetBytesProcessed(state.iterations() * database.xmlBytes);
   state.counters["xml_MB"] = database.xmlBytes / 1e6;
   state.counters["peak_MB"] = peakAfter;
