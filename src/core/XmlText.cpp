@@ -159,6 +159,11 @@ static_assert(kLineOpen.size() + kNumberCharsMax + kLineMiddle.size() + kXmlNumb
                   kLineClose.size() <=
               kXmlValueLineMax);
 
+// Room for the digits of a whole number below 10^15 with its sign, and more.
+constexpr size_t kDigitsRoom = 24;
+static_assert(kLineOpen.size() + 1 + kDigitsRoom + kLineMiddle.size() + kDigitsRoom <=
+              kXmlValueLineMax);
+
 char* Put(char* out, std::string_view text) {
   std::memcpy(out, text.data(), text.size());
   return out + text.size();
@@ -173,20 +178,19 @@ int XmlValueLine(int format, double value, char* out) {
   if ((format == 0 || format == 1 || format == 2) && value < 1e6 && value > -1e15) {
     const auto whole = static_cast<long long>(value);
     if (static_cast<double>(whole) == value) {
-      char digits[24];
+      // The copies take the whole digit buffer, a fixed size that needs no
+      // call; the line has room for it and what follows overwrites the rest.
+      char digits[kDigitsRoom];
       const int n = IntegerChars(whole, digits);
       p = display;
+      std::memcpy(p, digits, sizeof digits);
       if (whole >= 1000) {
-        std::memcpy(p, digits, static_cast<size_t>(n - 3));
         p[n - 3] = ',';
         std::memcpy(p + n - 2, digits + n - 3, 3);
-        p += n + 1;
-      } else {
-        std::memcpy(p, digits, static_cast<size_t>(n));
-        p += n;
+        ++p;
       }
-      p = Put(p, kLineMiddle);
-      std::memcpy(p, digits, static_cast<size_t>(n));
+      p = Put(p + n, kLineMiddle);
+      std::memcpy(p, digits, sizeof digits);
       p += n;
     }
   }
