@@ -358,7 +358,9 @@ TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {
                                "&Distribution of metric|&Compare metrics...|"
                                "C&ompare histograms...|&Time chart...||&Pie of limits on metric|"
                                "&Kiviat of limits on page",
-                               "&Report:&Data on current page|D&ata+Summary on current page||&Project status|"
+                               "&Report:&Data on current page|D&ata+Summary on current page|"
+                               "&Statistics on current page|C&harts on current page|"
+                               "Cor&relation analysis||&Project status|"
                                "&Compare project status|&Limits report||&Metrics list|"
                                "Metrics list, s&orted||&Explore saved reports",
                                "&Options:&Selections...|&Limits...||&Display charts|&Rotated view",
