@@ -16,8 +16,9 @@ namespace {
 constexpr int kPictureWidth = 450;
 
 void CannotWrite(const QString& name, const MHTSaver& saver) {
-  Ui().MsgBox(QStringLiteral("Cannot write to ") + name + QStringLiteral("\r\n") + saver.ErrorText(),
-              MsgStyle::Exclamation, QString());
+  Ui().MsgBox(
+      QStringLiteral("Cannot write to ") + name + QStringLiteral("\r\n") + saver.ErrorText(),
+      MsgStyle::Exclamation, QString());
 }
 
 // Embeds a drawn chart as the part `url`; its IMG tag, "" when there is no
@@ -65,8 +66,8 @@ QString WriteChartsReport(const ReportPage& page, ReportCharts& charts, const QD
     for (int i = 1; i <= page.SeriesCount(); ++i) {
       // Pictures go into the archive as they are made; only the text waits.
       text.AppendLine(QStringLiteral("<P>"));
-      const QString series = EmbedChart(charts.PageChart(i), saver,
-                                        QStringLiteral("MetricSeriesChart%1.bmp").arg(i));
+      const QString series =
+          EmbedChart(charts.PageChart(i), saver, QStringLiteral("MetricSeriesChart%1.bmp").arg(i));
       if (!series.isEmpty()) text.AppendLine(series);
       const QString bars =
           EmbedChart(charts.BarChart(i), saver, QStringLiteral("MetricBarChart%1.bmp").arg(i));

@@ -2,9 +2,9 @@
 
 #include <QDir>
 
+#include "chart/ZelmChart.h"
 #include "core/ListModel.h"
 #include "core/MetricRead.h"
-#include "chart/ZelmChart.h"
 #include "reports/ChartsReport.h"
 #include "reports/ListReports.h"
 #include "reports/PageReports.h"

@@ -73,8 +73,8 @@ TEST(StatisticsReport, FullAndPartialStatisticsAgainstGoldenText) {
     EXPECT_TRUE(text.startsWith(ReportHead("Metric statistics", false) + ReportStyle()));
     const QString body = Between(text, "</HEAD><BODY>", "</TABLE>\r\n");
     EXPECT_EQ(body.toStdString(), Golden(c.golden, body).toStdString()) << c.golden;
-    EXPECT_TRUE(text.endsWith("</TABLE>\r\n" + SavedByText("Saved by ", kWhen) +
-                              "\r\n</BODY></HTML>\r\n"));
+    EXPECT_TRUE(
+        text.endsWith("</TABLE>\r\n" + SavedByText("Saved by ", kWhen) + "\r\n</BODY></HTML>\r\n"));
   }
 }
 
@@ -146,10 +146,7 @@ TEST(ChartsReport, OneArchiveWithThePicturesThereAreInPageOrder) {
     QStringList images;
   };
   const Case cases[] = {
-      {true,
-       {1},
-       {1, 3},
-       {"MetricSeriesChart1.bmp", "MetricBarChart1.bmp", "MetricBarChart3.bmp"}},
+      {true, {1}, {1, 3}, {"MetricSeriesChart1.bmp", "MetricBarChart1.bmp", "MetricBarChart3.bmp"}},
       {false, {1}, {1}, {}},
   };
   for (const Case& c : cases) {
@@ -175,8 +172,9 @@ TEST(ChartsReport, OneArchiveWithThePicturesThereAreInPageOrder) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     // The email package hands the part over with plain line ends.
     const QString text = QString::fromUtf8(file.readAll()).replace("\n", "\r\n");
-    EXPECT_TRUE(text.contains("<BODY>\r\n<H1>Metric charts</H1>\r\n"
-                              "<P>Project metrics, Harbour &amp; &lt;Zo&#235;&gt; &#177;</P>\r\n"));
+    EXPECT_TRUE(
+        text.contains("<BODY>\r\n<H1>Metric charts</H1>\r\n"
+                      "<P>Project metrics, Harbour &amp; &lt;Zo&#235;&gt; &#177;</P>\r\n"));
     EXPECT_EQ(text.contains("ALT=\"Chart &amp; Zo&#235; 1\" WIDTH=\"450\""), c.loaded);
     EXPECT_EQ(text.count("<P>\r\n"), c.loaded ? 3 : 0) << "a paragraph per series";
     EXPECT_TRUE(text.contains(SavedByText("Saved by ", kWhen) + "\r\n</BODY></HTML>\r\n"));

@@ -13,8 +13,8 @@
 #include <QTemporaryDir>
 
 #include "common/OutsideReaders.h"
-#include "reports/ReportFrame.h"
 #include "reports/FakeReportPage.h"
+#include "reports/ReportFrame.h"
 #include "reports/SummaryTable.h"
 #include "reports/TableReport.h"
 #include "stats/CStats.h"

@@ -410,15 +410,14 @@ TEST_F(MainWindow, CompareEntryAsksForMetrics) {
   frmMetrics& window = Open();
   ScopedScriptedUi scripted;
   ClickTab(4);
-  WhenDialogShows([](QDialog& dialog) {
-    dialog.findChild<QPushButton*>(QStringLiteral("bOK"))->click();
-  });
+  WhenDialogShows(
+      [](QDialog& dialog) { dialog.findChild<QPushButton*>(QStringLiteral("bOK"))->click(); });
   window.MenuEntry(QStringLiteral("mChartCompare0"))->trigger();
   ProcessEvents();
   QList<QWidget*> views = window.findChildren<QWidget*>(QStringLiteral("ChartWindow"));
   ASSERT_EQ(views.size(), 1);
-  EXPECT_TRUE(views[0]->grab().toImage().save(OutputFolder() +
-                                              QStringLiteral("/mChartCompare0.png")));
+  EXPECT_TRUE(
+      views[0]->grab().toImage().save(OutputFolder() + QStringLiteral("/mChartCompare0.png")));
   WhenDialogShows([](QDialog& dialog) {
     auto* first = dialog.findChild<QComboBox*>(QStringLiteral("cboMetric0"));
     first->setCurrentIndex(0);
