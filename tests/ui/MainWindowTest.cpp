@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QKeyEvent>
 #include <QLabel>
@@ -365,6 +366,38 @@ TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {
                                "Metrics list, s&orted||&Explore saved reports",
                                "&Options:&Selections...|&Limits...||&Display charts|&Rotated view",
                                "&Help:&Contents|&About Ombrelle"}));
+}
+
+// The page reports' entries hand their files to the default handler; the
+// correlation analysis refuses the page of all analyses in a box.
+TEST_F(MainWindow, PageReportEntriesOpenTheirFiles) {
+  frmMetrics& window = Open();
+  struct Case {
+    int page;
+    const char* entry;
+    const char* file;     // start of the file name opened, "" for none
+    const char* message;  // the box shown, "" for none
+  };
+  const Case cases[] = {
+      {0, "mReportCorrelations", "",
+       "Correlation analysis is not available on this page. See help for explanation."},
+      {0, "mReportStats", "Stats", ""},
+      {4, "mReportCharts", "Charts", ""},
+      {4, "mReportCorrelations", "Correlations", ""},
+  };
+  for (const Case& c : cases) {
+    ScopedScriptedUi scripted;
+    ClickTab(c.page);
+    QAction* entry = window.MenuEntry(QString::fromLatin1(c.entry));
+    ASSERT_NE(entry, nullptr) << c.entry;
+    entry->trigger();
+    ProcessEvents();
+    EXPECT_EQ(scripted.ui.MessageTexts().join("|"), QString::fromUtf8(c.message)) << c.entry;
+    ASSERT_EQ(scripted.ui.opened.size(), *c.file ? 1u : 0u) << c.entry;
+    if (*c.file) {
+      EXPECT_TRUE(QFileInfo(scripted.ui.opened[0]).fileName().startsWith(c.file)) << c.entry;
+    }
+  }
 }
 
 // Each Chart entry opens a picture window titled after its chart.
