@@ -3,11 +3,13 @@
 // and the charts archive with its pictures.
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include "chart/ZelmChart.h"
 #include "common/OutsideReaders.h"
+#include "common/ScopedFileSizeLimit.h"
 #include "reports/ChartsReport.h"
 #include "reports/CorrelationHtml.h"
 #include "reports/FakeReportPage.h"
@@ -179,6 +181,26 @@ TEST(ChartsReport, OneArchiveWithThePicturesThereAreInPageOrder) {
     EXPECT_EQ(text.count("<P>\r\n"), c.loaded ? 3 : 0) << "a paragraph per series";
     EXPECT_TRUE(text.contains(SavedByText("Saved by ", kWhen) + "\r\n</BODY></HTML>\r\n"));
   }
+}
+
+// A disc that fills up half way: the box says which file, nothing is opened
+// and no part of the archive is left in the folder.
+TEST(ChartsReport, AFullDiscLeavesNoArchive) {
+  ScopedScriptedUi scripted;
+  FakePage page = ProjectPage(true);
+  FixedCharts charts(page);
+  charts.pageCharts = {1, 2, 3};
+  charts.barCharts = {1, 2, 3};
+  const QStringList before = QDir(ReportsFolder()).entryList(QDir::Files);
+  {
+    test::ScopedFileSizeLimit full(6000);
+    EXPECT_EQ(WriteChartsReport(page, charts, kWhen), "");
+  }
+  ASSERT_EQ(scripted.ui.messages.size(), 1u);
+  EXPECT_TRUE(scripted.ui.messages[0].text.startsWith("Cannot write to " +
+                                                      JoinPath(ReportsFolder(), "Charts")));
+  EXPECT_TRUE(scripted.ui.opened.empty());
+  EXPECT_EQ(QDir(ReportsFolder()).entryList(QDir::Files), before);
 }
 
 }  // namespace
