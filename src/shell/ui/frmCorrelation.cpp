@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 
+#include "chart/ZelmChart.h"
 #include "core/ListModel.h"
 #include "pictures/ui/MetaView.h"
 #include "shell/ChartCommands.h"
