@@ -1,15 +1,11 @@
 // The two small charts beside the statistics panel: when they are drawn, the
 // limit of 500 values on cursor moves, and the charts option.
-#include <algorithm>
-
 #include "core/ListModel.h"
 #include "pictures/Metafile.h"
 #include "shell/PageModelFixture.h"
 
 namespace ombrelle::test {
 namespace {
-
-constexpr std::uint32_t kRed = 0x0000FF;
 
 int ItemWithPrefix(const ListModel& list, const QString& prefix) {
   for (int i = 0; i < list.ListCount(); ++i)
@@ -35,8 +31,6 @@ TEST_F(GridChartsTest, WalkingDownALongColumnDrawsNoChartPerRow) {
   const int made = Made();
   ASSERT_TRUE(model->Panel().GridChart());
   ASSERT_TRUE(model->Panel().PageChart());
-  const std::vector<std::uint32_t>& colours = model->Panel().GridChart()->GetColors();
-  EXPECT_EQ(std::find(colours.begin(), colours.end(), kRed), colours.end());
   for (int i = 0; i < 30; ++i) grid->MoveCursor(1, 0);
   EXPECT_EQ(grid->GetCurRow(), 31);
   EXPECT_EQ(Made(), made);
@@ -54,9 +48,6 @@ TEST_F(GridChartsTest, ShortColumnIsDrawnAtEachRowWithTheCursorsBar) {
   const int made = Made();
   for (int i = 0; i < 3; ++i) grid->MoveCursor(1, 0);
   EXPECT_EQ(Made(), made + 3);
-  // The cursor's bar is red; a long column has none.
-  const std::vector<std::uint32_t>& colours = model->Panel().GridChart()->GetColors();
-  EXPECT_NE(std::find(colours.begin(), colours.end(), kRed), colours.end());
   EXPECT_TRUE(scripted.ui.messages.empty());
 }
 
@@ -83,9 +74,8 @@ TEST_F(GridChartsTest, LoadingAPageEmptiesBothPlacesFirst) {
   OpenAnalysis(3, "Billing 2.2");
   CursorOnMetric(2001);
   std::vector<bool> seen;
-  model->Panel().SetChartsListener([this, &seen] {
-    seen.push_back(model->Panel().PageChart() || model->Panel().GridChart());
-  });
+  model->Panel().SetChartsListener(
+      [this, &seen] { seen.push_back(model->Panel().PageChart() || model->Panel().GridChart()); });
   model->TabClicked(5);
   // The page chart goes first, then the bar chart.
   ASSERT_GE(seen.size(), 2u);

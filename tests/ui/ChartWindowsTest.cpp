@@ -3,7 +3,6 @@
 // and the small charts beside the grid following the charts option.
 // Screenshots go to <build>/test-output/ChartWindows/.
 #include <memory>
-#include <set>
 
 #include <gtest/gtest.h>
 #include <QAction>
@@ -11,8 +10,10 @@
 #include <QComboBox>
 #include <QFile>
 #include <QImage>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
+#include <QPointer>
 #include <QPushButton>
 #include <QSvgRenderer>
 #include <QTabBar>
@@ -21,6 +22,9 @@
 #include <QToolBar>
 
 #include "common/OutsideReaders.h"
+#include "grid/OwnerGridLogic.h"
+#include "grid/ui/OwnerGrid.h"
+#include "limits/MetricLimits.h"
 #include "pictures/Metafile.h"
 #include "pictures/ui/MetaForm.h"
 #include "pictures/ui/MetaView.h"
@@ -36,7 +40,8 @@ namespace ombrelle {
 namespace {
 
 constexpr int kProjectInTime = 2;
-constexpr int kFiles = 3;
+constexpr int kProcedures = 5;
+constexpr MetricId kProcedureLines = 4001;  // has a limit in the default set
 
 void ProcessEvents() {
   for (int i = 0; i < 3; ++i) QApplication::processEvents();
@@ -53,7 +58,7 @@ void SaveScreenshot(QWidget& widget, const QString& name) {
 // third item of the second combo.
 void AnswerMetricDialogSoon() {
   QTimer::singleShot(50, [] {
-    auto* dialog = qobject_cast<frmSelectManyMetrics*>(QApplication::activeModalWidget());
+    auto* dialog = dynamic_cast<frmSelectManyMetrics*>(QApplication::activeModalWidget());
     ASSERT_NE(dialog, nullptr);
     dialog->findChild<QComboBox*>(QStringLiteral("cboMetric1"))->setCurrentIndex(2);
     dialog->findChild<QPushButton*>(QStringLiteral("bOK"))->click();
@@ -69,17 +74,26 @@ class ChartWindows : public ::testing::Test {
     SaveSetting(QStringLiteral("Databases"), QStringLiteral("path1"),
                 QStringLiteral(OMBRELLE_BUILD_DIR "/sample"));
     Startup().DisplayCharts = true;
+    MetricLimits::SetCurrentLimitID(LimitSet::Default);
     m_window = std::make_unique<frmMetrics>();
     m_window->Load(QString(), false);
     ProcessEvents();
-    m_window->Tabs().setCurrentIndex(kFiles);
-    ProcessEvents();
+    ShowPage(kProcedures);
     m_scripted = std::make_unique<ScopedScriptedUi>();
   }
   void TearDown() override {
     m_scripted.reset();
     m_window.reset();
     SetSettingsFilePath(m_previousSettings);
+  }
+
+  // Shows `page` with the cursor on the procedure lines where there are.
+  void ShowPage(int page) {
+    m_window->Tabs().setCurrentIndex(page);
+    ProcessEvents();
+    const int column = m_window->Model().FindGridColumn(kProcedureLines);
+    if (page == kProcedures && column > 0) m_window->Grid().Logic().PlaceCursor(1, column + 1);
+    ProcessEvents();
   }
 
   void Trigger(const char* entry) {
@@ -90,19 +104,16 @@ class ChartWindows : public ::testing::Test {
     ProcessEvents();
   }
 
-  // The picture window opened since the last call.
+  // The one picture window open; the tests delete each when done.
   MetaForm* NewForm() {
-    MetaForm* found = nullptr;
-    for (MetaForm* form : m_window->findChildren<MetaForm*>())
-      if (m_seen.insert(form).second) found = form;
-    return found;
+    const QList<MetaForm*> forms = m_window->findChildren<MetaForm*>();
+    return forms.size() == 1 ? forms[0] : nullptr;
   }
 
   QTemporaryDir m_dir;
   QString m_previousSettings;
   std::unique_ptr<frmMetrics> m_window;
   std::unique_ptr<ScopedScriptedUi> m_scripted;
-  std::set<MetaForm*> m_seen;
 };
 
 TEST_F(ChartWindows, EveryChartEntryOpensItsPicture) {
@@ -112,15 +123,14 @@ TEST_F(ChartWindows, EveryChartEntryOpensItsPicture) {
     bool dialog;
   };
   const Entry entries[] = {
-      {"mChartBar", kFiles, false},          {"mChartHistogram", kFiles, false},
-      {"mChartDistribution", kFiles, false}, {"mChartCompare0", kFiles, true},
-      {"mChartCompare1", kFiles, true},      {"mChartPieLimits", kFiles, false},
-      {"mChartKiviat", kFiles, false},       {"mChartTime", kProjectInTime, true},
+      {"mChartBar", kProcedures, false},          {"mChartHistogram", kProcedures, false},
+      {"mChartDistribution", kProcedures, false}, {"mChartCompare0", kProcedures, true},
+      {"mChartCompare1", kProcedures, true},      {"mChartPieLimits", kProcedures, false},
+      {"mChartKiviat", kProcedures, false},       {"mChartTime", kProjectInTime, true},
   };
   for (const Entry& entry : entries) {
     SCOPED_TRACE(entry.name);
-    m_window->Tabs().setCurrentIndex(entry.page);
-    ProcessEvents();
+    ShowPage(entry.page);
     if (entry.dialog) AnswerMetricDialogSoon();
     Trigger(entry.name);
     MetaForm* form = NewForm();
@@ -129,14 +139,13 @@ TEST_F(ChartWindows, EveryChartEntryOpensItsPicture) {
     EXPECT_FALSE(form->windowTitle().isEmpty());
     EXPECT_TRUE(form->View()->GetMetafile());
     SaveScreenshot(*form, QString::fromLatin1(entry.name));
-    form->close();
+    delete form;
   }
   EXPECT_TRUE(m_scripted->ui.messages.empty())
       << m_scripted->ui.MessageTexts().join("|").toStdString();
 
   // The XY entry opens the regression window on the current column.
-  m_window->Tabs().setCurrentIndex(kFiles);
-  ProcessEvents();
+  ShowPage(kProcedures);
   Trigger("mChartScatter");
   auto* regression = m_window->findChild<frmCorrelation*>();
   ASSERT_NE(regression, nullptr);
@@ -150,7 +159,11 @@ TEST_F(ChartWindows, EveryChartEntryOpensItsPicture) {
   EXPECT_EQ(regression->MetricY(), x);
   EXPECT_TRUE(regression->View()->GetMetafile()->Title().startsWith("Y="));
   SaveScreenshot(*regression, QStringLiteral("mChartScatter"));
-  regression->close();
+  const QPointer<frmCorrelation> alive(regression);
+  QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+  QApplication::sendEvent(regression, &escape);
+  QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_TRUE(alive.isNull());  // Esc closed and freed it
   EXPECT_TRUE(m_scripted->ui.messages.empty());
 }
 
@@ -178,16 +191,16 @@ TEST_F(ChartWindows, SavesAChartInEachFormat) {
   EXPECT_EQ(test::DecodeWithBmptopnm(Artefact("saved-bmp.bmp")).size(), size);
   EXPECT_EQ(test::Gif2RgbPixels(Artefact("saved-gif.gif")).size(),
             size.width() * size.height() * 3);
-  EXPECT_TRUE(test::GiftextReport(Artefact("saved-gif.gif"))
-                  .contains(QStringLiteral("Width = %1, Height = %2")
-                                .arg(size.width())
-                                .arg(size.height())));
+  EXPECT_TRUE(
+      test::GiftextReport(Artefact("saved-gif.gif"))
+          .contains(
+              QStringLiteral("Width = %1, Height = %2").arg(size.width()).arg(size.height())));
   EXPECT_EQ(test::DecodeWithImageMagick(Artefact("saved-png.png")).size(), size);
   test::ExpectXmllintAccepts(Artefact("saved-svg.svg"));
   // The SVG drawn again, to look at.
   QSvgRenderer svg(Artefact("saved-svg.svg"));
   ASSERT_TRUE(svg.isValid());
-  EXPECT_EQ(svg.defaultSize(), size);
+  EXPECT_EQ(svg.viewBox().size(), size);
   QImage drawn(size, QImage::Format_RGB32);
   drawn.fill(Qt::white);
   QPainter painter(&drawn);

@@ -5,6 +5,7 @@
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QSvgGenerator>
 
@@ -97,6 +98,9 @@ void MetaView::paintEvent(QPaintEvent* event) {
   QFrame::paintEvent(event);
   const QRect area = contentsRect();
   QPainter painter(this);
+  // Smoothed: the small charts beside the grid are drawn at a fraction of their size.
+  painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
+                         QPainter::SmoothPixmapTransform);
   painter.setClipRect(area);
   painter.translate(area.topLeft());
   m_model.Paint(painter, area.width(), area.height());
@@ -106,6 +110,13 @@ void MetaView::contextMenuEvent(QContextMenuEvent* event) {
   // The menu key arrives here as a keyboard request: the popup opens at the
   // middle of the control.
   ShowPopup(event->reason() == QContextMenuEvent::Keyboard ? rect().center() : event->pos());
+}
+
+void MetaView::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (m_model.CanZoom && m_model.HasPicture())
+    Zoom();
+  else
+    QFrame::mouseDoubleClickEvent(event);
 }
 
 void MetaView::keyPressEvent(QKeyEvent* event) {

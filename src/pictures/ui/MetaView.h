@@ -18,7 +18,7 @@ bool SaveSvgPicture(const Metafile& picture, const QString& file, int width, int
 
 // The control that shows one picture, scaled to its client area with the
 // aspect kept, and offers Copy, Print, Save and Zoom in its popup menu (the
-// right button or the menu key opens it).
+// right button or the menu key opens it); a double click zooms.
 class MetaView : public QFrame {
   Q_OBJECT
 
@@ -51,6 +51,8 @@ class MetaView : public QFrame {
   void paintEvent(QPaintEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  // A double click zooms, as the popup's Zoom does.
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
 
  private:
   QSize PictureSize() const;
