@@ -12,6 +12,7 @@
 #include "pictures/Bitmap.h"
 #include "pictures/Meta2GIF.h"
 #include "pictures/Metafile.h"
+#include "pictures/MetafileConversions.h"
 #include "support/Filename.h"
 #include "support/UiServices.h"
 
@@ -57,6 +58,7 @@ bool SaveSvg(ZelmChart& chart, const QString& file) {
   generator.setOutputDevice(&buffer);
   generator.setSize(QSize(width, height));
   generator.setViewBox(QRect(0, 0, width, height));
+  generator.setResolution(kReferenceDpi);
   generator.setTitle(chart.Title);
   generator.setDescription(UiServices::AppTitle());
   {
