@@ -7,8 +7,8 @@
 
 #include <QApplication>
 #include <QCoreApplication>
-#include <QGuiApplication>
 #include <QDir>
+#include <QGuiApplication>
 #include <QStringList>
 
 #include "core/QVZ2XML.h"

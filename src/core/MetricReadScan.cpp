@@ -15,10 +15,10 @@
 
 #include "core/MetricRead.h"
 #include "core/MetricSave.h"
-#include "support/ProgramFolders.h"
 #include "support/Codepage.h"
 #include "support/DateValue.h"
 #include "support/Filename.h"
+#include "support/ProgramFolders.h"
 #include "support/SettingsStore.h"
 
 namespace ombrelle {
@@ -222,8 +222,7 @@ int MetricRead::FindFirstDatabases(const QString& currentFolder, const QString& 
   };
   scan(currentFolder);
   if (found == 0 && !programFolder.isEmpty()) scan(programFolder);
-  if (!programFolder.isEmpty())
-    scan(ProgramDataFolder(programFolder, QStringLiteral("sample")));
+  if (!programFolder.isEmpty()) scan(ProgramDataFolder(programFolder, QStringLiteral("sample")));
   if (found > 0) {
     SortDatabases();
     MarkLatestSaves();

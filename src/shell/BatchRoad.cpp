@@ -255,9 +255,9 @@ class BatchRun {
   bool CheckChart() {
     const QStringList parts = m_request.Argument.split(QLatin1Char(':'));
     m_chartKind = parts.value(0).toLower();
-    static const QStringList kinds = {
-        QStringLiteral("bar"), QStringLiteral("histogram"), QStringLiteral("distribution"),
-        QStringLiteral("pie"), QStringLiteral("kiviat"),    QStringLiteral("scatter")};
+    static const QStringList kinds = {QStringLiteral("bar"),          QStringLiteral("histogram"),
+                                      QStringLiteral("distribution"), QStringLiteral("pie"),
+                                      QStringLiteral("kiviat"),       QStringLiteral("scatter")};
     if (!kinds.contains(m_chartKind))
       return Fail(QStringLiteral("Unknown chart kind \"%1\" in %2: use bar, histogram, "
                                  "distribution, pie, kiviat or scatter:Y")
@@ -265,9 +265,10 @@ class BatchRun {
     const bool scatter = m_chartKind == QLatin1String("scatter");
     const int expected = scatter ? 3 : 2;
     if (parts.size() != expected)
-      return Fail(QStringLiteral("%1 needs %2: /CHART:%3").arg(
-          SwitchText(), QStringLiteral("a metric"),
-          scatter ? QStringLiteral("scatter:Y:METRIC") : QStringLiteral("KIND:METRIC")));
+      return Fail(
+          QStringLiteral("%1 needs %2: /CHART:%3")
+              .arg(SwitchText(), QStringLiteral("a metric"),
+                   scatter ? QStringLiteral("scatter:Y:METRIC") : QStringLiteral("KIND:METRIC")));
     m_metric = ParseMetricText(parts.last(), m_definitions);
     if (m_metric == 0) return UnknownMetric(parts.last());
     const int metricClass = MetricDefinitions::GetMetricClass(m_metric);
@@ -302,8 +303,8 @@ class BatchRun {
       ChoiceList list;
       MetricLimits().FillList(list);
       const auto number = FindChoice(list, m_request.Limit);
-      if (!number) return Fail(QStringLiteral("Unknown limit set \"%1\" in /LIMIT:%1")
-                                   .arg(m_request.Limit));
+      if (!number)
+        return Fail(QStringLiteral("Unknown limit set \"%1\" in /LIMIT:%1").arg(m_request.Limit));
       MetricLimits::SetCurrentLimitID(*number);
     }
     if (!m_request.Selection.isEmpty()) {
@@ -330,8 +331,7 @@ class BatchRun {
     const bool written = WriteFile(model, temporary) && QFileInfo(temporary).isFile();
     if (!written) {
       QFile::remove(temporary);
-      if (m_reason.isEmpty())
-        m_reason = QStringLiteral("Nothing written to ") + m_state.OutputFile;
+      if (m_reason.isEmpty()) m_reason = QStringLiteral("Nothing written to ") + m_state.OutputFile;
       return false;
     }
     // rename() replaces an existing file in one step.
@@ -352,8 +352,8 @@ class BatchRun {
       case BatchReport::LimitReport: {
         const QString text =
             LimitsReportText(model.Reader(), model.CurrentDatabase(), model.Limits());
-        if (text.isEmpty()) return Fail(QStringLiteral("Cannot open database ") +
-                                        m_state.InputFile);
+        if (text.isEmpty())
+          return Fail(QStringLiteral("Cannot open database ") + m_state.InputFile);
         return SaveReportFile(text, file);
       }
       case BatchReport::Table:
@@ -470,8 +470,8 @@ MetricId ParseMetricText(const QString& text, const MetricDefinitions& definitio
   for (MetricId id = kFirstMetricId; id <= kLastMetricId; ++id) {
     if (MetricDefinitions::GetMetricClass(id) != metricClass || !definitions.MetricSupported(id))
       continue;
-    if (definitions.GetMetricName(id, NameAbbreviation).compare(abbreviation, Qt::CaseInsensitive) ==
-        0)
+    if (definitions.GetMetricName(id, NameAbbreviation)
+            .compare(abbreviation, Qt::CaseInsensitive) == 0)
       return id;
   }
   return 0;

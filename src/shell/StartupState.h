@@ -18,7 +18,7 @@ struct StartupState {
   bool DeleteInput = false;  // delete the input after a successful export
   bool SilentMode = false;   // no overwrite question, no confirmation
   bool DisplayCharts = true;
-  BatchRequest Batch;  // the report, table or chart switches
+  BatchRequest Batch;      // the report, table or chart switches
   QString RawCommandLine;  // the parameters as one line, without the program
   QString HelpFile;        // the help start page beside the program
 };

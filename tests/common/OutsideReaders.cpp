@@ -170,9 +170,8 @@ for s in srcs:
     assert len(names[u].get_content()) > 0, u
 print(len(srcs))
 )PY";
-  const QByteArray out =
-      OutsideReaderOutput(QStringLiteral("python3"), {QStringLiteral("-c"),
-                                                      QString::fromUtf8(script), path});
+  const QByteArray out = OutsideReaderOutput(
+      QStringLiteral("python3"), {QStringLiteral("-c"), QString::fromUtf8(script), path});
   bool ok = false;
   const int count = out.trimmed().toInt(&ok);
   if (!ok) {

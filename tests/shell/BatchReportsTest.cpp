@@ -79,7 +79,8 @@ void ReadCsv(const QString& path, const QString& delimiter) {
   const QList<QStringList> rows = PythonCsvRows(path, delimiter, QStringLiteral("cp1252"));
   ASSERT_GT(rows.size(), 10);
   ASSERT_GT(rows[0].size(), 3);
-  for (const QStringList& row : rows) EXPECT_EQ(row.size(), rows[0].size()) << row.join('|').toStdString();
+  for (const QStringList& row : rows)
+    EXPECT_EQ(row.size(), rows[0].size()) << row.join('|').toStdString();
 }
 void ReadCommaCsv(const QString& path) {
   QFile file(path);
@@ -149,51 +150,68 @@ TEST_F(BatchReports, BadInputTellsWhyEndsWithOneAndWritesNothing) {
   QDir(m_dir.path()).mkdir("folder.csv");
   const QString in = Sample(kHarbour);
   const std::vector<BadCase> cases = {
-      {{in, "t.csv", "/TABLE:module"}, "t.csv",
+      {{in, "t.csv", "/TABLE:module"},
+       "t.csv",
        "qvzview: Unknown class \"module\" in /TABLE:module: use file, cls, proc or var"},
-      {{in, "c.png", "/CHART:bar:proc.NOPE"}, "c.png",
+      {{in, "c.png", "/CHART:bar:proc.NOPE"},
+       "c.png",
        "qvzview: Unknown metric \"proc.NOPE\" in /CHART:bar:proc.NOPE: give a metric number "
        "(4120) or class and abbreviation (proc.CC)"},
-      {{in, "c.png", "/CHART:bar:9999"}, "c.png",
+      {{in, "c.png", "/CHART:bar:9999"},
+       "c.png",
        "qvzview: Unknown metric \"9999\" in /CHART:bar:9999: give a metric number (4120) or "
        "class and abbreviation (proc.CC)"},
-      {{in, "c.png", "/CHART:scatter:var.READS:proc.CC"}, "c.png",
+      {{in, "c.png", "/CHART:scatter:var.READS:proc.CC"},
+       "c.png",
        "qvzview: Metric var.READS in /CHART:scatter:var.READS:proc.CC is not on the page of "
        "procedures of metric proc.CC"},
-      {{in, "c.png", "/CHART:bar:1008"}, "c.png",
+      {{in, "c.png", "/CHART:bar:1008"},
+       "c.png",
        "qvzview: Metric 1008 in /CHART:bar:1008 is a project metric: charts are made on the "
        "pages of files, classes, procedures or variables"},
-      {{in, "c.png", "/CHART:radar:proc.CC"}, "c.png",
+      {{in, "c.png", "/CHART:radar:proc.CC"},
+       "c.png",
        "qvzview: Unknown chart kind \"radar\" in /CHART:radar:proc.CC: use bar, histogram, "
        "distribution, pie, kiviat or scatter:Y"},
-      {{in, "c.jpg", "/CHART:bar:proc.CC"}, "c.jpg",
+      {{in, "c.jpg", "/CHART:bar:proc.CC"},
+       "c.jpg",
        "qvzview: The file /CHART:bar:proc.CC writes must end in .gif, .bmp, .emf, .wmf, .png or "
-       ".svg: " + m_dir.filePath("c.jpg").toStdString()},
-      {{in, "c.png", "/CHART:bar:proc.CC", "/WIDTH:9"}, "c.png",
+       ".svg: " +
+           m_dir.filePath("c.jpg").toStdString()},
+      {{in, "c.png", "/CHART:bar:proc.CC", "/WIDTH:9"},
+       "c.png",
        "qvzview: Invalid width \"9\" in /WIDTH:9: give a number of pixels from 16 to 8000"},
-      {{in, "c.png", "/CHART:pie:proc.CC", "/LIMIT:none such"}, "c.png",
+      {{in, "c.png", "/CHART:pie:proc.CC", "/LIMIT:none such"},
+       "c.png",
        "qvzview: Unknown limit set \"none such\" in /LIMIT:none such"},
-      {{in, "missing/c.png", "/CHART:bar:proc.CC"}, "missing",
+      {{in, "missing/c.png", "/CHART:bar:proc.CC"},
+       "missing",
        "qvzview: Cannot write to " + m_dir.filePath("missing/c.png").toStdString() +
            ": the folder does not exist"},
-      {{in, "folder.csv", "/TABLE:proc"}, "folder.csv/x",
+      {{in, "folder.csv", "/TABLE:proc"},
+       "folder.csv/x",
        "qvzview: Cannot write to " + m_dir.filePath("folder.csv").toStdString() +
            ": it is a folder"},
-      {{in, "t.pdf", "/TABLE:proc"}, "t.pdf",
+      {{in, "t.pdf", "/TABLE:proc"},
+       "t.pdf",
        "qvzview: The file /TABLE:proc writes must end in .csv, .html, .htm or .txt: " +
            m_dir.filePath("t.pdf").toStdString()},
-      {{"absent.qvz", "s.mht", "/STATUS"}, "s.mht",
+      {{"absent.qvz", "s.mht", "/STATUS"},
+       "s.mht",
        "qvzview: File not found: " + m_dir.filePath("absent.qvz").toStdString()},
-      {{in, "/STATUS"}, "s.mht", "qvzview: Missing output file name: \"" + in.toStdString() +
-                                     "\" /STATUS"},
-      {{in, "s.html", "/STATS:proc"}, "s.html",
+      {{in, "/STATUS"},
+       "s.mht",
+       "qvzview: Missing output file name: \"" + in.toStdString() + "\" /STATUS"},
+      {{in, "s.html", "/STATS:proc"},
+       "s.html",
        "qvzview: /STATS is not available in this build yet: nothing written"},
   };
   for (const BadCase& c : cases) {
     SCOPED_TRACE(c.arguments.join(' ').toStdString());
     const RunResult run = Qvzview(c.arguments);
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.err.trimmed().split('\n').last().toStdString(), c.message) << run.err.toStdString();
+    EXPECT_EQ(run.err.trimmed().split('\n').last().toStdString(), c.message)
+        << run.err.toStdString();
     EXPECT_FALSE(QFile::exists(Path(QString::fromLatin1(c.output))));
   }
   EXPECT_EQ(Files(), QStringList());
@@ -206,8 +224,10 @@ TEST_F(BatchReports, BadInputTellsWhyEndsWithOneAndWritesNothing) {
   old.close();
   const RunResult run = Qvzview({in, "pie.png", "/CHART:pie:proc.CC", "/LIMIT:<No limits>"});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.err.toStdString(), "No limit for selected metric.\nqvzview: No chart: nothing "
-                                   "written to " + Path("pie.png").toStdString() + "\n");
+  EXPECT_EQ(run.err.toStdString(),
+            "No limit for selected metric.\nqvzview: No chart: nothing "
+            "written to " +
+                Path("pie.png").toStdString() + "\n");
   QFile kept(Path("pie.png"));
   ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
   EXPECT_EQ(kept.readAll(), QByteArray("old"));
@@ -217,9 +237,9 @@ TEST_F(BatchReports, BadInputTellsWhyEndsWithOneAndWritesNothing) {
 TEST_F(BatchReports, InstallIntoATemporaryPrefixRunsOnItsOwnSamples) {
   const QString prefix = Path("prefix");
   QProcess install;
-  install.start(QStringLiteral("cmake"), {QStringLiteral("--install"),
-                                          QStringLiteral(OMBRELLE_BUILD_DIR), QStringLiteral("--prefix"),
-                                          prefix});
+  install.start(QStringLiteral("cmake"),
+                {QStringLiteral("--install"), QStringLiteral(OMBRELLE_BUILD_DIR),
+                 QStringLiteral("--prefix"), prefix});
   ASSERT_TRUE(install.waitForFinished(120000));
   ASSERT_EQ(install.exitCode(), 0) << install.readAllStandardError().toStdString();
   for (const char* file :
@@ -240,10 +260,10 @@ TEST_F(BatchReports, InstallIntoATemporaryPrefixRunsOnItsOwnSamples) {
   EXPECT_GE(WebArchivePictureCount(Path("installed.mht")), 2);
 
   QString output;
-  EXPECT_EQ(RunOutsideReader(QStringLiteral("desktop-file-validate"),
-                             {prefix + QStringLiteral("/share/applications/qvzview.desktop")},
-                             &output),
-            0)
+  EXPECT_EQ(
+      RunOutsideReader(QStringLiteral("desktop-file-validate"),
+                       {prefix + QStringLiteral("/share/applications/qvzview.desktop")}, &output),
+      0)
       << output.toStdString();
   EXPECT_EQ(output.toStdString(), "");
   ExpectXmllintAccepts(prefix + QStringLiteral("/share/mime/packages/ombrelle-qvz.xml"));
