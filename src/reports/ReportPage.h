@@ -35,6 +35,8 @@ class ReportPage {
   virtual QString Heading() const = 0;
   // The paragraph under it, plain text; "" for none.
   virtual QString SubHeading() const = 0;
+  // The title of the page under charts and in the page reports, plain text.
+  virtual QString PageTitle() const = 0;
 
   // --- The series of the page, in column order -----------------------------
   virtual int MetricClassOfPage() const = 0;
@@ -50,6 +52,9 @@ class ReportPage {
   virtual bool FullStatsAvailable() const = 0;
   // The outlier fences of a series as the statistics panel shows them.
   virtual QString OutlierText(int index) const = 0;
+  // The sum of a series as the statistics panel shows it: "" where a sum
+  // means nothing (percentages, dates, per-item averages on project pages).
+  virtual QString SumText(int index) const = 0;
   virtual const MetricDefinitions& Definitions() const = 0;
 };
 

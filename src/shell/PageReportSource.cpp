@@ -60,6 +60,8 @@ QString PageReportSource::SubHeading() const {
   return {};
 }
 
+QString PageReportSource::PageTitle() const { return m_page.PageTitle(); }
+
 int PageReportSource::MetricClassOfPage() const {
   return m_page.MetricClassOfPage(m_page.CurrentPage());
 }
@@ -94,6 +96,10 @@ QString PageReportSource::OutlierText(int index) const {
   if (!stats) return QStringLiteral("-");
   return StatsPanel::OutlierText(*stats, m_page.MetricFormatOnPage(SeriesMetric(index), 0), false,
                                  false);
+}
+
+QString PageReportSource::SumText(int index) const {
+  return m_page.Panel().SumText(SeriesIndex(index));
 }
 
 const MetricDefinitions& PageReportSource::Definitions() const { return m_page.Definitions(); }

@@ -21,6 +21,7 @@ class PageReportSource : public ReportPage {
   QString CellExportText(int row, int column, int kind) const override;
   QString Heading() const override;
   QString SubHeading() const override;
+  QString PageTitle() const override;
   int MetricClassOfPage() const override;
   int SeriesCount() const override;
   MetricId SeriesMetric(int index) const override;
@@ -29,6 +30,7 @@ class PageReportSource : public ReportPage {
   int MetricFormatOnPage(MetricId id, int kind) const override;
   bool FullStatsAvailable() const override;
   QString OutlierText(int index) const override;
+  QString SumText(int index) const override;
   const MetricDefinitions& Definitions() const override;
 
  private:

@@ -2,12 +2,17 @@
 
 #include <QDir>
 
+#include "chart/ZelmChart.h"
 #include "core/ListModel.h"
 #include "core/MetricRead.h"
+#include "reports/ChartsReport.h"
 #include "reports/ListReports.h"
+#include "reports/PageReports.h"
 #include "reports/ReportFrame.h"
 #include "reports/StatusReport.h"
+#include "shell/ChartCommands.h"
 #include "shell/PageModel.h"
+#include "shell/PageReportSource.h"
 #include "support/Filename.h"
 #include "support/UiServices.h"
 
@@ -21,7 +26,41 @@ void FillProjects(PageModel& page, ListModel& list) {
   page.Reader().FillCombo(list, DataModes::AllFiles, page.CurrentDatabase());
 }
 
+// The charts report's pictures from the chart commands, by the page's own
+// series numbers.
+class PageCharts : public ReportCharts {
+ public:
+  explicit PageCharts(PageModel& page) : m_page(page), m_commands(page) {}
+  std::unique_ptr<ZelmChart> PageChart(int index) override {
+    return m_commands.MakePageChart(SeriesIndex(index));
+  }
+  std::unique_ptr<ZelmChart> BarChart(int index) override {
+    return m_commands.MakeBarChart(false, SeriesIndex(index));
+  }
+
+ private:
+  int SeriesIndex(int index) const {
+    return m_page.Pages(m_page.CurrentPage()).FirstColumn + index - 1;
+  }
+  PageModel& m_page;
+  ChartCommands m_commands;
+};
+
 }  // namespace
+
+void ReportCommands::StatisticsReport() { WriteStatisticsReport(PageReportSource(m_page)); }
+
+void ReportCommands::ChartsReport() {
+  PageCharts charts(m_page);
+  WriteChartsReport(PageReportSource(m_page), charts);
+}
+
+void ReportCommands::CorrelationReport() {
+  QString matrix;
+  QString regression;
+  if (ChartCommands(m_page).CorrelationText(true, matrix, regression))
+    WriteCorrelationReport(matrix, regression);
+}
 
 int ReportCommands::SelectProjectDialog() {
   ListModel list;

@@ -21,9 +21,10 @@ class ProjectDialogs {
   virtual bool SelectProjects(const ListModel& list, int& first, int& second) = 0;
 };
 
-// The Report menu's commands that work on whole analyses rather than the
-// page: project status (alone and compared), limits report, metrics lists
-// and the reports folder.
+// The Report menu's commands: the reports of the current page (statistics,
+// charts, correlation analysis) and those of whole analyses (project status
+// alone and compared, limits report), the metrics lists and the reports
+// folder.
 class ReportCommands {
  public:
   ReportCommands(PageModel& page, ProjectDialogs& dialogs, StatusPictures& pictures)
@@ -32,6 +33,11 @@ class ReportCommands {
   // `SelectProjectDialog`: the latest analysis of each project, titled
   // "Select project"; the chosen database or 0.
   int SelectProjectDialog();
+  void StatisticsReport();
+  void ChartsReport();
+  // The correlation texts of the page in report form; their refusal is told
+  // by the chart commands and writes nothing.
+  void CorrelationReport();
   void ProjectStatus();
   void CompareProjectStatus();
   void LimitsReport();

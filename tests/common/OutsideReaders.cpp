@@ -212,6 +212,46 @@ void ChromiumScreenshot(const QString& document, const QString& png, int width, 
   EXPECT_TRUE(QFile::exists(png)) << process.readAllStandardError().toStdString();
 }
 
+QStringList WebArchiveImages(const QString& mht, const QString& htmlOut) {
+  const char* script = R"PY(
+import email, email.policy, re, sys, urllib.parse
+m = email.message_from_binary_file(open(sys.argv[1], 'rb'), policy=email.policy.default)
+assert m.get_content_type() == 'multipart/related', m.get_content_type()
+parts = list(m.iter_parts())
+assert parts[0].get_content_type() == 'text/html', parts[0].get_content_type()
+html = parts[0].get_content()
+base = parts[0]['Content-Location']
+names = {p['Content-Location']: p for p in parts[1:]}
+srcs = re.findall(r'<IMG SRC="([^"]+)"', html)
+for s in srcs:
+    u = urllib.parse.urljoin(base, s)
+    assert u in names, u
+    assert names[u].get_content()[:2] == b'BM', u
+if len(sys.argv) > 2:
+    open(sys.argv[2], 'w', encoding='utf-8').write(html)
+print(str(m['subject']))
+for s in srcs:
+    print(s)
+)PY";
+  QStringList arguments{QStringLiteral("-c"), QString::fromUtf8(script), mht};
+  if (!htmlOut.isEmpty()) arguments << htmlOut;
+  QProcess process;
+  process.start(QStringLiteral("python3"), arguments);
+  if (!process.waitForFinished(60000)) {
+    process.kill();
+    ADD_FAILURE() << "python3 did not finish reading " << mht.toStdString();
+    return {};
+  }
+  if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
+    ADD_FAILURE() << "python3 email rejects " << mht.toStdString() << ": "
+                  << process.readAllStandardError().toStdString();
+    return {};
+  }
+  QStringList lines = QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\n'));
+  if (!lines.isEmpty() && lines.last().isEmpty()) lines.removeLast();
+  return lines;
+}
+
 QByteArray OutsideReaderOutput(const QString& program, const QStringList& arguments) {
   const QString path = QStandardPaths::findExecutable(program);
   if (path.isEmpty()) {

@@ -54,6 +54,14 @@ QString ArtefactPath(const QString& suite, const QString& name);
 // writes no picture.
 void ChromiumScreenshot(const QString& document, const QString& png, int width, int height);
 
+// Reads the web archive `mht` with Python's email package and fails the
+// test unless it is multipart/related with the HTML part first and every
+// IMG SRC of the HTML resolving (against the HTML part's location) to a
+// part's Content-Location whose bytes are a BMP file. Writes the HTML part
+// to `htmlOut` when given, and returns the Subject and then the IMG SRC
+// values in document order.
+QStringList WebArchiveImages(const QString& mht, const QString& htmlOut = QString());
+
 // GIF readers (giflib-tools, ImageMagick). Each fails the test when its
 // program is missing, since the test command installs them.
 

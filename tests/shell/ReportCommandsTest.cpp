@@ -1,5 +1,6 @@
+#include <QDir>
 #include <QFile>
-#include <QProcess>
+#include <QTemporaryDir>
 
 #include "common/OutsideReaders.h"
 #include "core/ListModel.h"
@@ -86,30 +87,72 @@ TEST_F(ReportCommandsTest, StatusLimitsAndListsOfTheSamples) {
 
   // The compared archive: multipart/related, the HTML first, every picture
   // it names inside and decodable, and a page Chromium can show.
-  const char* script = R"PY(
-import email, email.policy, re, sys, urllib.parse
-m = email.message_from_binary_file(open(sys.argv[1], 'rb'), policy=email.policy.default)
-assert m.get_content_type() == 'multipart/related'
-parts = list(m.iter_parts())
-assert parts[0].get_content_type() == 'text/html'
-html = parts[0].get_content()
-base = parts[0]['Content-Location']
-names = {p['Content-Location']: p for p in parts[1:]}
-srcs = re.findall(r'<IMG SRC="([^"]+)"', html)
-assert len(srcs) >= 6, srcs
-for s in srcs:
-    u = urllib.parse.urljoin(base, s)
-    assert u in names, u
-    assert names[u].get_content()[:2] == b'BM'
-print(len(srcs))
-)PY";
-  QProcess python;
-  python.start("python3", {"-c", script, scripted.ui.opened[2]});
-  ASSERT_TRUE(python.waitForFinished(60000));
-  EXPECT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
+  const QStringList images = test::WebArchiveImages(scripted.ui.opened[2]);
+  ASSERT_FALSE(images.isEmpty());
+  EXPECT_EQ(images.first(), "Project status report");
+  EXPECT_GE(images.size(), 7) << images.join(" ").toStdString();
   const QString shot = test::ArtefactPath("ReportCommands", "status-compared.png");
   test::ChromiumScreenshot(scripted.ui.opened[2], shot, 900, 2400);
   EXPECT_TRUE(QFile::exists(shot));
+}
+
+// The reports of the page on the classes page (full statistics) and on the
+// project-in-time page (time charts, no full statistics).
+TEST_F(ReportCommandsTest, StatisticsChartsAndCorrelationOfThePage) {
+  struct Case {
+    int page;
+    bool full;
+    const char* shot;
+  };
+  for (const Case& c : {Case{4, true, "charts-classes.png"}, Case{2, false, "charts-time.png"}}) {
+    ScopedScriptedUi scripted;
+    ReportCommands commands(*model, dialogs, pictures);
+    model->TabClicked(c.page);
+    commands.StatisticsReport();
+    commands.ChartsReport();
+    commands.CorrelationReport();
+    ASSERT_EQ(scripted.ui.opened.size(), 3u) << scripted.ui.MessageTexts().join("|").toStdString();
+    EXPECT_TRUE(scripted.ui.messages.empty());
+    const QString stats = ReadText(scripted.ui.opened[0]);
+    EXPECT_TRUE(stats.contains("<P>" + EscapedHTML(model->PageTitle()) + "</P>"));
+    EXPECT_EQ(stats.contains("<TD CLASS=\"data avg\">"), c.full);
+    EXPECT_EQ(stats.contains("<P>Not all statistics are available"), !c.full);
+    const QString correlations = ReadText(scripted.ui.opened[2]);
+    EXPECT_TRUE(correlations.contains("<TD CLASS=\"head\">Correlation r</TD>"));
+    EXPECT_TRUE(correlations.contains("<P CLASS=\"regression\">"));
+    for (int i : {0, 2}) test::ExpectXmllintHtmlAccepts(scripted.ui.opened[i]);
+
+    // Two pictures a series, in page order, each inside the archive.
+    const int columns = model->Pages(model->CurrentPage()).ColumnCount;
+    QStringList expected{"Metric charts"};
+    for (int i = 1; i <= columns; ++i)
+      expected << QString("MetricSeriesChart%1.bmp").arg(i)
+               << QString("MetricBarChart%1.bmp").arg(i);
+    QTemporaryDir dir;
+    EXPECT_EQ(test::WebArchiveImages(scripted.ui.opened[1], dir.filePath("c.html")), expected);
+    test::ExpectXmllintHtmlAccepts(dir.filePath("c.html"));
+    test::ChromiumScreenshot(scripted.ui.opened[1], test::ArtefactPath("ReportCommands", c.shot),
+                             1000, 1600);
+    if (c.full) {
+      for (int i : {0, 2}) {
+        test::ChromiumScreenshot(
+            scripted.ui.opened[i],
+            test::ArtefactPath("ReportCommands", i == 0 ? "stats.png" : "correlations.png"), 1400,
+            900);
+      }
+    }
+  }
+}
+
+TEST_F(ReportCommandsTest, CorrelationRefusedOnAllAnalysesWritesNothing) {
+  ReportCommands commands(*model, dialogs, pictures);
+  const QStringList before = QDir(ReportsFolder()).entryList(QDir::Files);
+  commands.CorrelationReport();
+  EXPECT_EQ(
+      scripted.ui.MessageTexts(),
+      QStringList{"Correlation analysis is not available on this page. See help for explanation."});
+  EXPECT_TRUE(scripted.ui.opened.empty());
+  EXPECT_EQ(QDir(ReportsFolder()).entryList(QDir::Files), before);
 }
 
 }  // namespace

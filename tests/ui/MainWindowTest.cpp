@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QKeyEvent>
 #include <QLabel>
@@ -358,11 +359,45 @@ TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {
                                "&Distribution of metric|&Compare metrics...|"
                                "C&ompare histograms...|&Time chart...||&Pie of limits on metric|"
                                "&Kiviat of limits on page",
-                               "&Report:&Data on current page|D&ata+Summary on current page||&Project status|"
+                               "&Report:&Data on current page|D&ata+Summary on current page|"
+                               "&Statistics on current page|C&harts on current page|"
+                               "Cor&relation analysis||&Project status|"
                                "&Compare project status|&Limits report||&Metrics list|"
                                "Metrics list, s&orted||&Explore saved reports",
                                "&Options:&Selections...|&Limits...||&Display charts|&Rotated view",
                                "&Help:&Contents|&About Ombrelle"}));
+}
+
+// The page reports' entries hand their files to the default handler; the
+// correlation analysis refuses the page of all analyses in a box.
+TEST_F(MainWindow, PageReportEntriesOpenTheirFiles) {
+  frmMetrics& window = Open();
+  struct Case {
+    int page;
+    const char* entry;
+    const char* file;     // start of the file name opened, "" for none
+    const char* message;  // the box shown, "" for none
+  };
+  const Case cases[] = {
+      {0, "mReportCorrelations", "",
+       "Correlation analysis is not available on this page. See help for explanation."},
+      {0, "mReportStats", "Stats", ""},
+      {4, "mReportCharts", "Charts", ""},
+      {4, "mReportCorrelations", "Correlations", ""},
+  };
+  for (const Case& c : cases) {
+    ScopedScriptedUi scripted;
+    ClickTab(c.page);
+    QAction* entry = window.MenuEntry(QString::fromLatin1(c.entry));
+    ASSERT_NE(entry, nullptr) << c.entry;
+    entry->trigger();
+    ProcessEvents();
+    EXPECT_EQ(scripted.ui.MessageTexts().join("|"), QString::fromUtf8(c.message)) << c.entry;
+    ASSERT_EQ(scripted.ui.opened.size(), *c.file ? 1u : 0u) << c.entry;
+    if (*c.file) {
+      EXPECT_TRUE(QFileInfo(scripted.ui.opened[0]).fileName().startsWith(c.file)) << c.entry;
+    }
+  }
 }
 
 // Each Chart entry opens a picture window titled after its chart.
@@ -408,15 +443,14 @@ TEST_F(MainWindow, CompareEntryAsksForMetrics) {
   frmMetrics& window = Open();
   ScopedScriptedUi scripted;
   ClickTab(4);
-  WhenDialogShows([](QDialog& dialog) {
-    dialog.findChild<QPushButton*>(QStringLiteral("bOK"))->click();
-  });
+  WhenDialogShows(
+      [](QDialog& dialog) { dialog.findChild<QPushButton*>(QStringLiteral("bOK"))->click(); });
   window.MenuEntry(QStringLiteral("mChartCompare0"))->trigger();
   ProcessEvents();
   QList<QWidget*> views = window.findChildren<QWidget*>(QStringLiteral("ChartWindow"));
   ASSERT_EQ(views.size(), 1);
-  EXPECT_TRUE(views[0]->grab().toImage().save(OutputFolder() +
-                                              QStringLiteral("/mChartCompare0.png")));
+  EXPECT_TRUE(
+      views[0]->grab().toImage().save(OutputFolder() + QStringLiteral("/mChartCompare0.png")));
   WhenDialogShows([](QDialog& dialog) {
     auto* first = dialog.findChild<QComboBox*>(QStringLiteral("cboMetric0"));
     first->setCurrentIndex(0);

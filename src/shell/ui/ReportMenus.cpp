@@ -35,6 +35,10 @@ void AddReportMenus(QMainWindow& window, PageModel& model) {
     action->setObjectName(QString::fromLatin1(name));
     QObject::connect(action, &QAction::triggered, report, slot);
   };
+  add("mReportStats", "&Statistics on current page", [commands] { commands->StatisticsReport(); });
+  add("mReportCharts", "C&harts on current page", [commands] { commands->ChartsReport(); });
+  add("mReportCorrelations", "Cor&relation analysis",
+      [commands] { commands->CorrelationReport(); });
   report->addSeparator();
   add("mReportStatus0", "&Project status", [commands] { commands->ProjectStatus(); });
   add("mReportStatus1", "&Compare project status",

@@ -6,9 +6,9 @@ namespace ombrelle {
 
 class PageModel;
 
-// The Report menu's entries for whole analyses: Project status, Compare
-// project status, Limits report, the two metrics lists and Explore saved
-// reports, added after the entries already there.
+// The Report menu's entries after the table reports: the statistics, charts
+// and correlation reports of the page, Project status, Compare project
+// status, Limits report, the two metrics lists and Explore saved reports.
 void AddReportMenus(QMainWindow& window, PageModel& model);
 
 }  // namespace ombrelle
