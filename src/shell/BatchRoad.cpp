@@ -18,8 +18,10 @@
 #include "limits/ChoiceList.h"
 #include "limits/MetricLimits.h"
 #include "limits/MetricSelection.h"
+#include "reports/ChartsReport.h"
 #include "reports/English.h"
 #include "reports/ListReports.h"
+#include "reports/PageReports.h"
 #include "reports/ReportFrame.h"
 #include "reports/ReportPage.h"
 #include "reports/StatusPictures.h"
@@ -29,6 +31,7 @@
 #include "shell/ChartFiles.h"
 #include "shell/PageModel.h"
 #include "shell/PageReportSource.h"
+#include "shell/ReportCommands.h"
 #include "shell/StartupState.h"
 #include "support/Filename.h"
 #include "support/SettingsStore.h"
@@ -239,10 +242,11 @@ class BatchRun {
           return NeedExtension({}, QStringLiteral(".csv, .html, .htm or .txt"));
         return true;
       case BatchReport::Stats:
-      case BatchReport::Charts:
       case BatchReport::Correlation:
-        return Fail(SwitchText().section(QLatin1Char(':'), 0, 0).toUpper() +
-                    QStringLiteral(" is not available in this build yet: nothing written"));
+        return NeedPage(m_request.Argument) &&
+               NeedExtension({"html", "htm"}, QStringLiteral(".html or .htm"));
+      case BatchReport::Charts:
+        return NeedPage(m_request.Argument) && NeedExtension({"mht"}, QStringLiteral(".mht"));
       case BatchReport::Chart:
         return CheckChart();
       case BatchReport::None:
@@ -361,9 +365,27 @@ class BatchRun {
         return WriteTable(PageReportSource(model), file, m_tableKind, true);
       case BatchReport::Chart:
         return WriteChart(model, file);
-      default:
-        return false;
+      case BatchReport::Stats:
+        return OpenPage(model) &&
+               SaveReportFile(StatisticsReportText(PageReportSource(model)), file);
+      case BatchReport::Charts: {
+        if (!OpenPage(model)) return false;
+        const std::unique_ptr<ReportCharts> charts = MakePageCharts(model);
+        return WriteChartsReportFile(PageReportSource(model), *charts, file);
+      }
+      case BatchReport::Correlation: {
+        if (!OpenPage(model)) return false;
+        QString matrix;
+        QString regression;
+        if (!ChartCommands(model).CorrelationText(true, matrix, regression))
+          return Fail(QStringLiteral("No correlation analysis: nothing written to ") +
+                      m_state.OutputFile);
+        return SaveReportFile(CorrelationReportText(matrix, regression), file);
+      }
+      case BatchReport::None:
+        break;
     }
+    return false;
   }
 
   bool WriteStatus(PageModel& model, const QString& file) {

@@ -113,6 +113,9 @@ TEST_F(BatchReports, EachFileKindIsWrittenAndReadByItsOutsideReader) {
       {"classes.htm", {"/table:cls"}, ReadHtml, 0},
       {"variables.txt", {"/TABLE:var"}, ReadTabText, 0},
       {"limits.html", {"/LIMITREPORT", "/LIMIT:-1"}, ReadHtml, 0},
+      {"stats.html", {"/STATS:proc"}, ReadHtml, 0},
+      {"charts.mht", {"/CHARTS:cls"}, ReadWebArchive, 0},
+      {"correlation.htm", {"/CORRELATION:file"}, ReadHtml, 0},
       {"bar.png", {"/CHART:bar:proc.CC"}, ReadPng, 1500},
       {"histogram.gif", {"/CHART:histogram:4120", "/WIDTH:640"}, ReadGif, 640},
       {"distribution.bmp", {"/CHART:distribution:file.LLOC", "/WIDTH:800"}, ReadBmp, 800},
@@ -208,9 +211,13 @@ TEST_F(BatchReports, BadInputTellsWhyEndsWithOneAndWritesNothing) {
       {{in, "s.mht", "other.qvz", "/STATUS"},
        "s.mht",
        "qvzview: File not found: " + m_dir.filePath("other.qvz").toStdString()},
-      {{in, "s.html", "/STATS:proc"},
+      {{in, "s.html", "/STATS:module"},
        "s.html",
-       "qvzview: /STATS is not available in this build yet: nothing written"},
+       "qvzview: Unknown class \"module\" in /STATS:module: use file, cls, proc or var"},
+      {{in, "s.html", "/CHARTS:proc"},
+       "s.html",
+       "qvzview: The file /CHARTS:proc writes must end in .mht: " +
+           m_dir.filePath("s.html").toStdString()},
   };
   for (const BadCase& c : cases) {
     SCOPED_TRACE(c.arguments.join(' ').toStdString());

@@ -11,12 +11,14 @@
 #include <gtest/gtest.h>
 
 #include "chart/ZelmChart.h"
+#include "reports/PageReports.h"
 #include "reports/ReportPage.h"
 #include "shell/BatchRoad.h"
 #include "shell/ChartCommands.h"
 #include "shell/ChartFiles.h"
 #include "shell/CommandLine.h"
 #include "shell/PageModelFixture.h"
+#include "shell/PageReportSource.h"
 #include "shell/Startup.h"
 #include "shell/TableExport.h"
 #include "support/ProgramFolders.h"
@@ -162,6 +164,16 @@ TEST_F(BatchEqualsWindow, TableFilesAndChartPicturesAreTheSameBytes) {
               QString::fromLatin1(b).replace(savedBy, ""))
         << extension.toStdString();
   }
+
+  // The statistics report of the page, as the Report menu writes it.
+  const QString stats = WriteStatisticsReport(PageReportSource(*model));
+  ASSERT_FALSE(stats.isEmpty());
+  const QString batchStats = m_dir.filePath("stats.html");
+  ASSERT_EQ(Batch({"/STATS:proc", "/LIMIT:-1", "/SELECTION:<All>"}, batchStats), 0);
+  static const QRegularExpression savedBy("<P>Saved by [^<]*</P>");
+  const QString windowText = QString::fromUtf8(ReadAll(stats)).replace(savedBy, "");
+  EXPECT_GT(windowText.size(), 1000);
+  EXPECT_EQ(windowText, QString::fromUtf8(ReadAll(batchStats)).replace(savedBy, ""));
 
   // The bar chart with the cursor on the first row of the CC column.
   const int column = model->FindGridColumn(4120);
