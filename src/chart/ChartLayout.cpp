@@ -36,7 +36,7 @@ ChartRect LegendBoxFor(const ChartRect& frame) {
   return {frame.Left + 100, frame.Bottom + 130, frame.Right - 20, frame.Bottom + 80};
 }
 
-ChartRect ComputePlot(const MarginInput& in, const TextMeasure& measure) {
+ChartRect ComputePlot(const MarginInput& in, const MarginMeasure& measure) {
   ChartRect plot;
   plot.Top = in.Title.isEmpty() ? -50 : RoundEven(-50 - measure.Height(QStringLiteral("Tg"), 60));
   // Above a legend a line of axis labels must fit between the axis and the box.

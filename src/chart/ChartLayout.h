@@ -30,7 +30,7 @@ ChartRect LegendBoxFor(const ChartRect& frame);
 
 // Width and height of a text at a font size (logical units), as the surface measures them.
 using TextMeasureFn = std::function<double(const QString& text, int size)>;
-struct TextMeasure {
+struct MarginMeasure {
   TextMeasureFn Width;
   TextMeasureFn Height;
 };
@@ -48,7 +48,7 @@ struct MarginInput {
 };
 // The plot area: room for the title above, the legend (with a line of axis labels above it)
 // and the caption below, the Y labels on the left and the reference-line labels on the right.
-ChartRect ComputePlot(const MarginInput& in, const TextMeasure& measure);
+ChartRect ComputePlot(const MarginInput& in, const MarginMeasure& measure);
 
 // Left ends of the legend cells: cell i (First .. First + Count - 1) starts at
 // (i - First) x cell + left + gap, with cell = (right - left - gap) / Count.

@@ -226,7 +226,7 @@ void ZelmChart::SetMargins(bool WithYLabels) {
   in.WithYLabels = WithYLabels;
   in.YMaxLabel = FormatAxisValue(m_scale.YMax);
   for (const YLine& line : m_yLines) in.YLineLabels << line.Label;
-  TextMeasure measure;
+  MarginMeasure measure;
   measure.Width = [this](const QString& t, int size) { return TextWidthAt(t, size); };
   measure.Height = [this](const QString& t, int size) { return TextHeightAt(t, size); };
   m_plot = ComputePlot(in, measure);

@@ -11,8 +11,8 @@ using namespace ombrelle;
 namespace {
 
 // Every character 10 units wide per 30 of size; lines 1.2 x size high.
-TextMeasure FakeMeasure() {
-  TextMeasure m;
+MarginMeasure FakeMeasure() {
+  MarginMeasure m;
   m.Width = [](const QString& t, int size) { return t.size() * size / 3.0; };
   m.Height = [](const QString&, int size) { return 1.2 * size; };
   return m;
