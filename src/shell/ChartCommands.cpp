@@ -73,6 +73,12 @@ QString FormatDecimals(double value, int least, int most) {
 
 }  // namespace
 
+std::shared_ptr<Metafile> ChartMetafile(std::unique_ptr<ZelmChart> chart) {
+  if (!chart) return nullptr;
+  std::shared_ptr<ZelmChart> owner(std::move(chart));
+  return std::shared_ptr<Metafile>(owner, &owner->GetMetafile());
+}
+
 int ChartFormatKind(int format) {
   if (format >= 3 && format <= 5) return kAxisPercent;
   if (format == 9) return kAxisDate;

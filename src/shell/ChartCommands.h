@@ -12,8 +12,12 @@ namespace ombrelle {
 
 class CStats;
 class ListModel;
+class Metafile;
 class PageModel;
 class ZelmChart;
+
+// The recording of a drawn chart, which keeps the chart alive; null for no chart.
+std::shared_ptr<Metafile> ChartMetafile(std::unique_ptr<ZelmChart> chart);
 
 // Number format kind of the chart engine for a metric's display format:
 // percentages (3, 4, 5) give 1, dates (9) give 2, any other 0.

@@ -30,6 +30,7 @@ void PageModel::LoadPage(int page) {
   const int metricClass = MetricClassOfPage(page);
 
   m_panel.UpdatePageChart(0);
+  m_panel.ClearGridChart();
   m_panel.UpdateStats(0);
 
   PageRecord& record = m_pages[static_cast<size_t>(page)];

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <functional>
+#include <memory>
+
 #include <QString>
 
 namespace ombrelle {
 
 class CStats;
+class Metafile;
 class PageModel;
 
 // The texts of the statistics frame below the grid.
@@ -70,14 +74,36 @@ class StatsPanel {
   bool DisplayCharts() const;
   void ToggleDisplayCharts();
 
-  // The two small charts beside the panel. The chart engine is not part of
-  // the program yet, so both places stay empty and these do nothing.
-  void UpdatePageChart(int /*series*/) {}
-  void UpdateGridChart(int /*mode*/) {}
+  // The two small charts beside the panel. The page chart (MetaView) is the
+  // column's histogram, or its time chart on page 2; none for series 0 or
+  // with charts off.
+  void UpdatePageChart(int series);
+  // The grid's bar chart (MetaView2) after a column change (mode 0), a
+  // cursor move or layout (1), a sort (2) or the charts option (3). Columns
+  // of more than kBarChartLimit values are drawn without the cursor's bar
+  // and not on cursor moves, so walking down a long table stays quick.
+  void UpdateGridChart(int mode);
+  static constexpr int kBarChartLimit = 500;
+  // Leaves the grid's chart place empty (a page being loaded).
+  void ClearGridChart();
+
+  // The pictures of the two charts; null when the place shows none.
+  const std::shared_ptr<Metafile>& PageChart() const { return m_pageChart; }
+  const std::shared_ptr<Metafile>& GridChart() const { return m_gridChart; }
+  // How many grid bar charts have been drawn so far.
+  int GridChartsMade() const { return m_gridChartsMade; }
+  // Called whenever a chart picture changes.
+  void SetChartsListener(std::function<void()> listener) { m_chartsListener = std::move(listener); }
 
  private:
+  void ChartsChanged();
+
   PageModel& m_page;
   StatsTexts m_texts;
+  std::shared_ptr<Metafile> m_pageChart;
+  std::shared_ptr<Metafile> m_gridChart;
+  int m_gridChartsMade = 0;
+  std::function<void()> m_chartsListener;
 };
 
 }  // namespace ombrelle

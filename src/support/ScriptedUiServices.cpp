@@ -31,6 +31,8 @@ QString ScriptedUiServices::InputBox(const QString& prompt, const QString&, cons
 
 QString ScriptedUiServices::SaveFileDialog(const FileDialogRequest& request) {
   fileRequests.push_back(request);
+  if (request.chosenFilterIndex && !filterAnswers.empty())
+    *request.chosenFilterIndex = Take(filterAnswers, 0);
   return Take(fileAnswers, QString());
 }
 

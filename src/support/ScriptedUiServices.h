@@ -38,6 +38,7 @@ class ScriptedUiServices : public UiServices {
   std::deque<int> msgAnswers;
   std::deque<QString> inputAnswers;
   std::deque<QString> fileAnswers;  // save, open and folder dialogs alike
+  std::deque<int> filterAnswers;    // filters chosen in save dialogs that ask for it
 
   // What was asked.
   std::vector<Message> messages;

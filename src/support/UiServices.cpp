@@ -25,6 +25,10 @@ void UiServices::EndBusy() {
 }
 
 std::unique_ptr<QPagedPaintDevice> UiServices::OpenPrinter(const QString&) { return nullptr; }
+
+std::unique_ptr<QPagedPaintDevice> UiServices::ChoosePrinter(const QString& documentName) {
+  return OpenPrinter(documentName);
+}
 QString UiServices::ChooseFolder(const FolderRequest& request) {
   QString folder = request.folder;
   for (;;) {

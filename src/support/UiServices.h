@@ -36,9 +36,10 @@ struct FileDialogRequest {
   QString folder;    // starting folder; empty means the current one
   QString fileName;  // proposed name (save) or selected name (open)
   QString filter;
-  QString defaultExtension;     // without the dot; added when the user typed none
-  bool overwritePrompt = true;  // save dialogs ask before replacing a file
-  int filterIndex = 0;          // 1-based filter the dialog starts on; 0 the first
+  QString defaultExtension;          // without the dot; added when the user typed none
+  bool overwritePrompt = true;       // save dialogs ask before replacing a file
+  int filterIndex = 0;               // 1-based filter the dialog starts on; 0 the first
+  int* chosenFilterIndex = nullptr;  // when set, receives the 1-based filter chosen
 };
 
 // One folder chooser request: the chooser stays open until `accept` takes
@@ -94,6 +95,9 @@ class UiServices {
   // The default printer, set up for one document of this name and ready for a
   // QPainter; null when there is none. Pictures print through it.
   virtual std::unique_ptr<QPagedPaintDevice> OpenPrinter(const QString& documentName);
+  // A printer the user chooses in the print dialog; null when cancelled. By
+  // default the printer OpenPrinter gives.
+  virtual std::unique_ptr<QPagedPaintDevice> ChoosePrinter(const QString& documentName);
 
   // The counted busy cursor: shown while the count is above zero.
   void BeginBusy();

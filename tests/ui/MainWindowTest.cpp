@@ -357,7 +357,8 @@ TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {
                                "&Edit:&Copy table|&Find line...|Find &again",
                                "&Chart:&Bar chart of metric|&Histogram of metric|"
                                "&Distribution of metric|&Compare metrics...|"
-                               "C&ompare histograms...|&Time chart...||&Pie of limits on metric|"
+                               "C&ompare histograms...|&Time chart...|&XY chart...||"
+                               "&Pie of limits on metric|"
                                "&Kiviat of limits on page",
                                "&Report:&Data on current page|D&ata+Summary on current page|"
                                "&Statistics on current page|C&harts on current page|"
@@ -400,34 +401,6 @@ TEST_F(MainWindow, PageReportEntriesOpenTheirFiles) {
   }
 }
 
-// Each Chart entry opens a picture window titled after its chart.
-TEST_F(MainWindow, ChartEntriesOpenPictureWindows) {
-  frmMetrics& window = Open();
-  ScopedScriptedUi scripted;
-  ClickTab(4);
-  Choose(PageCombo::MetricLimit, QStringLiteral("<Default limits>"));
-  const char* entries[] = {"mChartBar", "mChartHistogram", "mChartDistribution", "mChartPieLimits",
-                           "mChartKiviat"};
-  int shown = 0;
-  for (const char* name : entries) {
-    QAction* entry = window.MenuEntry(QString::fromLatin1(name));
-    ASSERT_NE(entry, nullptr) << name;
-    const size_t messages = scripted.ui.messages.size();
-    entry->trigger();
-    ProcessEvents();
-    const QList<QWidget*> views = window.findChildren<QWidget*>(QStringLiteral("ChartWindow"));
-    ASSERT_EQ(scripted.ui.messages.size(), messages)
-        << name << ": " << scripted.ui.messages.back().text.toStdString();
-    ASSERT_EQ(views.size(), shown + 1) << name;
-    QWidget* view = views.last();
-    EXPECT_TRUE(view->isWindow());
-    EXPECT_FALSE(view->windowTitle().isEmpty());
-    EXPECT_TRUE(view->grab().toImage().save(OutputFolder() + QLatin1Char('/') +
-                                            QString::fromLatin1(name) + QStringLiteral(".png")));
-    ++shown;
-  }
-}
-
 // Acts on the next modal dialog as soon as it shows.
 void WhenDialogShows(std::function<void(QDialog&)> act) {
   QTimer::singleShot(10, [act] {
@@ -447,7 +420,7 @@ TEST_F(MainWindow, CompareEntryAsksForMetrics) {
       [](QDialog& dialog) { dialog.findChild<QPushButton*>(QStringLiteral("bOK"))->click(); });
   window.MenuEntry(QStringLiteral("mChartCompare0"))->trigger();
   ProcessEvents();
-  QList<QWidget*> views = window.findChildren<QWidget*>(QStringLiteral("ChartWindow"));
+  QList<QWidget*> views = window.findChildren<QWidget*>(QStringLiteral("MetaForm"));
   ASSERT_EQ(views.size(), 1);
   EXPECT_TRUE(
       views[0]->grab().toImage().save(OutputFolder() + QStringLiteral("/mChartCompare0.png")));
@@ -461,7 +434,7 @@ TEST_F(MainWindow, CompareEntryAsksForMetrics) {
   window.MenuEntry(QStringLiteral("mChartCompare1"))->trigger();
   ProcessEvents();
   EXPECT_EQ(scripted.ui.MessageTexts(), QStringList{"Select 1 or more metrics."});
-  EXPECT_EQ(window.findChildren<QWidget*>(QStringLiteral("ChartWindow")).size(), 1);
+  EXPECT_EQ(window.findChildren<QWidget*>(QStringLiteral("MetaForm")).size(), 1);
 }
 
 TEST_F(MainWindow, DisplayChartsIsStoredAndChecked) {

@@ -5,13 +5,15 @@
 #include <QAction>
 #include <QMainWindow>
 #include <QMenu>
-#include <QPainter>
-#include <QWidget>
 
 #include "chart/ZelmChart.h"
+#include "pictures/ui/MetaForm.h"
+#include "pictures/ui/MetaView.h"
 #include "shell/ChartCommands.h"
 #include "shell/PageModel.h"
+#include "shell/StatsPanel.h"
 #include "shell/ui/TableMenus.h"
+#include "shell/ui/frmCorrelation.h"
 #include "shell/ui/frmSelectManyMetrics.h"
 #include "support/UiServices.h"
 
@@ -19,36 +21,13 @@ namespace ombrelle {
 
 namespace {
 
-// A window showing one chart, scaled to its client area; closing it frees it.
-class ChartWindow : public QWidget {
- public:
-  ChartWindow(QWidget* owner, std::unique_ptr<ZelmChart> chart)
-      : QWidget(owner, Qt::Window), m_chart(std::move(chart)) {
-    setObjectName(QStringLiteral("ChartWindow"));
-    setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(m_chart->Title.isEmpty() ? QStringLiteral("Picture viewer") : m_chart->Title);
-    const int height = 480;
-    resize(static_cast<int>(height * m_chart->PageAspect()), height);
-  }
-
- protected:
-  void paintEvent(QPaintEvent*) override {
-    QPainter painter(this);
-    painter.fillRect(rect(), Qt::white);
-    m_chart->Display(painter, 0, 0, width(), height());
-  }
-
- private:
-  std::unique_ptr<ZelmChart> m_chart;
-};
-
 void ShowChart(QMainWindow& window, std::unique_ptr<ZelmChart> chart) {
   if (!chart) {
     Ui().MsgBox(QStringLiteral("No chart to display."), MsgStyle::Information, QString());
     return;
   }
-  auto* view = new ChartWindow(&window, std::move(chart));
-  view->show();
+  const QString title = chart->Title;
+  MetaForm::Display(ChartMetafile(std::move(chart)), title, &window);
 }
 
 }  // namespace
@@ -90,6 +69,7 @@ void AddChartMenus(QMainWindow& window, PageModel& model) {
         frmSelectManyMetrics::Display(owner, commands, page->CurrentMetric(), metrics))
       ShowChart(*owner, commands.TimeChartOfMetrics(metrics));
   });
+  add("mChartScatter", "&XY chart...", [owner, page] { frmCorrelation::Display(*page, owner); });
   // The time chart is only for the page of a project in time.
   QObject::connect(menu, &QMenu::aboutToShow, menu, [menu, page] {
     if (auto* time = menu->findChild<QAction*>(QStringLiteral("mChartTime")))
@@ -103,6 +83,16 @@ void AddChartMenus(QMainWindow& window, PageModel& model) {
   });
   add("mChartKiviat", "&Kiviat of limits on page", [owner, page] {
     if (auto chart = ChartCommands(*page).MakeKiviatOfLimits()) ShowChart(*owner, std::move(chart));
+  });
+}
+
+void AttachGridCharts(StatsPanel& panel, MetaView& pageView, MetaView& gridView) {
+  MetaView* page = &pageView;
+  MetaView* grid = &gridView;
+  StatsPanel* source = &panel;
+  panel.SetChartsListener([source, page, grid] {
+    if (page->GetMetafile() != source->PageChart()) page->SetMetafile(source->PageChart());
+    if (grid->GetMetafile() != source->GridChart()) grid->SetMetafile(source->GridChart());
   });
 }
 

@@ -21,6 +21,7 @@
 
 #include "grid/OwnerGridLogic.h"
 #include "grid/ui/OwnerGrid.h"
+#include "pictures/ui/MetaView.h"
 #include "shell/StartupState.h"
 #include "shell/ui/AboutBox.h"
 #include "shell/ui/ChartMenus.h"
@@ -48,9 +49,9 @@ constexpr int kChartHeight = 150;
 // pixels wide, which holds a seven-digit number with separators at this size.
 constexpr double kGridPointSize = 8.0;
 
-// A place for one small chart: an empty sunken frame until charts are drawn.
-QFrame* MakeChartPlace(const QString& name, QWidget* parent) {
-  auto* frame = new QFrame(parent);
+// A place for one small chart: a sunken picture control.
+MetaView* MakeChartPlace(const QString& name, QWidget* parent) {
+  auto* frame = new MetaView(parent);
   frame->setObjectName(name);
   frame->setFrameShape(QFrame::StyledPanel);
   frame->setFrameShadow(QFrame::Sunken);
@@ -174,6 +175,7 @@ QWidget* frmMetrics::BuildBottomStrip() {
   m_metaView2 = MakeChartPlace(QStringLiteral("MetaView2"), strip);
   row->addWidget(m_metaView, 0, Qt::AlignTop);
   row->addWidget(m_metaView2, 0, Qt::AlignTop);
+  AttachGridCharts(m_model.Panel(), *m_metaView, *m_metaView2);
   return strip;
 }
 

@@ -16,6 +16,7 @@ class QTabBar;
 namespace ombrelle {
 
 class ComboBinding;
+class MetaView;
 class OwnerGrid;
 class StatsFrame;
 
@@ -84,8 +85,8 @@ class frmMetrics : public QMainWindow, private PageView {
   QLabel* m_details = nullptr;
   OwnerGrid* m_grid = nullptr;
   StatsFrame* m_stats = nullptr;
-  QFrame* m_metaView = nullptr;
-  QFrame* m_metaView2 = nullptr;
+  MetaView* m_metaView = nullptr;
+  MetaView* m_metaView2 = nullptr;
   QAction* m_rotated = nullptr;
   QAction* m_charts = nullptr;
   bool m_syncingTab = false;

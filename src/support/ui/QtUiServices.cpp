@@ -12,6 +12,7 @@
 #include <QInputDialog>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QPrintDialog>
 #include <QPrinter>
 #include <QPrinterInfo>
 #include <QPushButton>
@@ -202,6 +203,10 @@ QString QtUiServices::SaveFileDialog(const FileDialogRequest& request) {
   std::unique_ptr<QFileDialog> dialog =
       CreateFileDialog(request, QFileDialog::AcceptSave, DialogParent());
   if (dialog->exec() != QDialog::Accepted) return {};
+  if (request.chosenFilterIndex) {
+    const int chosen = dialog->nameFilters().indexOf(dialog->selectedNameFilter());
+    if (chosen >= 0) *request.chosenFilterIndex = chosen + 1;
+  }
   return dialog->selectedFiles().value(0);
 }
 
@@ -246,6 +251,14 @@ std::unique_ptr<QPagedPaintDevice> QtUiServices::OpenPrinter(const QString& docu
   auto printer = std::make_unique<QPrinter>(QPrinterInfo::defaultPrinter());
   if (!printer->isValid()) return nullptr;
   printer->setDocName(documentName);
+  return printer;
+}
+
+std::unique_ptr<QPagedPaintDevice> QtUiServices::ChoosePrinter(const QString& documentName) {
+  auto printer = std::make_unique<QPrinter>(QPrinterInfo::defaultPrinter());
+  printer->setDocName(documentName);
+  QPrintDialog dialog(printer.get(), DialogParent());
+  if (dialog.exec() != QDialog::Accepted || !printer->isValid()) return nullptr;
   return printer;
 }
 

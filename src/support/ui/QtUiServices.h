@@ -31,6 +31,7 @@ class QtUiServices : public UiServices {
   void SetClipboardPicture(const QImage& image, const QByteArray& emf) override;
   // The system's default printer.
   std::unique_ptr<QPagedPaintDevice> OpenPrinter(const QString& documentName) override;
+  std::unique_ptr<QPagedPaintDevice> ChoosePrinter(const QString& documentName) override;
 
   // The pieces the dialogs are made of, built but not shown.
 

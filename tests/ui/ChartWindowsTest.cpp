@@ -1,0 +1,256 @@
+// The Chart menu on the sample databases: each entry's picture window, a
+// chart saved in each of the six formats and read back by outside readers,
+// and the small charts beside the grid following the charts option.
+// Screenshots go to <build>/test-output/ChartWindows/.
+#include <memory>
+
+#include <gtest/gtest.h>
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QFile>
+#include <QImage>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+#include <QPointer>
+#include <QPushButton>
+#include <QSvgRenderer>
+#include <QTabBar>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QToolBar>
+
+#include "common/OutsideReaders.h"
+#include "grid/OwnerGridLogic.h"
+#include "grid/ui/OwnerGrid.h"
+#include "limits/MetricLimits.h"
+#include "pictures/Metafile.h"
+#include "pictures/ui/MetaForm.h"
+#include "pictures/ui/MetaView.h"
+#include "shell/PageModel.h"
+#include "shell/StartupState.h"
+#include "shell/ui/frmCorrelation.h"
+#include "shell/ui/frmMetrics.h"
+#include "shell/ui/frmSelectManyMetrics.h"
+#include "support/ScriptedUiServices.h"
+#include "support/SettingsStore.h"
+
+namespace ombrelle {
+namespace {
+
+constexpr int kProjectInTime = 2;
+constexpr int kProcedures = 5;
+constexpr MetricId kProcedureLines = 4001;  // has a limit in the default set
+
+void ProcessEvents() {
+  for (int i = 0; i < 3; ++i) QApplication::processEvents();
+}
+
+QString Artefact(const QString& name) { return test::ArtefactPath("ChartWindows", name); }
+
+void SaveScreenshot(QWidget& widget, const QString& name) {
+  ProcessEvents();
+  EXPECT_TRUE(widget.grab().save(Artefact(name + QStringLiteral(".png"))));
+}
+
+// Answers the metric dialog that opens next: the current metric and the
+// third item of the second combo.
+void AnswerMetricDialogSoon() {
+  QTimer::singleShot(50, [] {
+    auto* dialog = dynamic_cast<frmSelectManyMetrics*>(QApplication::activeModalWidget());
+    ASSERT_NE(dialog, nullptr);
+    dialog->findChild<QComboBox*>(QStringLiteral("cboMetric1"))->setCurrentIndex(2);
+    dialog->findChild<QPushButton*>(QStringLiteral("bOK"))->click();
+  });
+}
+
+class ChartWindows : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(m_dir.isValid());
+    m_previousSettings = SettingsFilePath();
+    SetSettingsFilePath(m_dir.filePath(QStringLiteral("settings.ini")));
+    SaveSetting(QStringLiteral("Databases"), QStringLiteral("path1"),
+                QStringLiteral(OMBRELLE_BUILD_DIR "/sample"));
+    Startup().DisplayCharts = true;
+    MetricLimits::SetCurrentLimitID(LimitSet::Default);
+    m_window = std::make_unique<frmMetrics>();
+    m_window->Load(QString(), false);
+    ProcessEvents();
+    ShowPage(kProcedures);
+    m_scripted = std::make_unique<ScopedScriptedUi>();
+  }
+  void TearDown() override {
+    m_scripted.reset();
+    m_window.reset();
+    SetSettingsFilePath(m_previousSettings);
+  }
+
+  // Shows `page` with the cursor on the procedure lines where there are.
+  void ShowPage(int page) {
+    m_window->Tabs().setCurrentIndex(page);
+    ProcessEvents();
+    const int column = m_window->Model().FindGridColumn(kProcedureLines);
+    if (page == kProcedures && column > 0) m_window->Grid().Logic().PlaceCursor(1, column + 1);
+    ProcessEvents();
+  }
+
+  void Trigger(const char* entry) {
+    QAction* action = m_window->MenuEntry(QString::fromLatin1(entry));
+    ASSERT_NE(action, nullptr) << entry;
+    ASSERT_TRUE(action->isEnabled()) << entry;
+    action->trigger();
+    ProcessEvents();
+  }
+
+  // The one picture window open; the tests delete each when done.
+  MetaForm* NewForm() {
+    const QList<MetaForm*> forms = m_window->findChildren<MetaForm*>();
+    return forms.size() == 1 ? forms[0] : nullptr;
+  }
+
+  QTemporaryDir m_dir;
+  QString m_previousSettings;
+  std::unique_ptr<frmMetrics> m_window;
+  std::unique_ptr<ScopedScriptedUi> m_scripted;
+};
+
+TEST_F(ChartWindows, EveryChartEntryOpensItsPicture) {
+  struct Entry {
+    const char* name;
+    int page;
+    bool dialog;
+  };
+  const Entry entries[] = {
+      {"mChartBar", kProcedures, false},          {"mChartHistogram", kProcedures, false},
+      {"mChartDistribution", kProcedures, false}, {"mChartCompare0", kProcedures, true},
+      {"mChartCompare1", kProcedures, true},      {"mChartPieLimits", kProcedures, false},
+      {"mChartKiviat", kProcedures, false},       {"mChartTime", kProjectInTime, true},
+  };
+  for (const Entry& entry : entries) {
+    SCOPED_TRACE(entry.name);
+    ShowPage(entry.page);
+    if (entry.dialog) AnswerMetricDialogSoon();
+    Trigger(entry.name);
+    MetaForm* form = NewForm();
+    ASSERT_NE(form, nullptr) << m_scripted->ui.MessageTexts().join("|").toStdString();
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_FALSE(form->windowTitle().isEmpty());
+    EXPECT_TRUE(form->View()->GetMetafile());
+    SaveScreenshot(*form, QString::fromLatin1(entry.name));
+    delete form;
+  }
+  EXPECT_TRUE(m_scripted->ui.messages.empty())
+      << m_scripted->ui.MessageTexts().join("|").toStdString();
+
+  // The XY entry opens the regression window on the current column.
+  ShowPage(kProcedures);
+  Trigger("mChartScatter");
+  auto* regression = m_window->findChild<frmCorrelation*>();
+  ASSERT_NE(regression, nullptr);
+  EXPECT_EQ(regression->windowTitle(), "Regression analysis");
+  EXPECT_EQ(regression->MetricX(), regression->MetricY());
+  EXPECT_FALSE(regression->View()->GetMetafile());  // a metric against itself
+  regression->Combo(0)->setCurrentIndex(regression->Combo(1)->currentIndex() == 0 ? 1 : 0);
+  ASSERT_TRUE(regression->View()->GetMetafile());
+  const MetricId x = regression->MetricX();
+  regression->Switch();
+  EXPECT_EQ(regression->MetricY(), x);
+  EXPECT_TRUE(regression->View()->GetMetafile()->Title().startsWith("Y="));
+  SaveScreenshot(*regression, QStringLiteral("mChartScatter"));
+  const QPointer<frmCorrelation> alive(regression);
+  QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+  QApplication::sendEvent(regression, &escape);
+  QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_TRUE(alive.isNull());  // Esc closed and freed it
+  EXPECT_TRUE(m_scripted->ui.messages.empty());
+}
+
+TEST_F(ChartWindows, SavesAChartInEachFormat) {
+  Trigger("mChartHistogram");
+  MetaForm* form = NewForm();
+  ASSERT_NE(form, nullptr);
+  form->resize(700, 500);
+  ProcessEvents();
+  EXPECT_EQ(form->ToolBar()->actions().size(), 3);
+  MetaView& view = *form->View();
+  const QSize size = view.contentsRect().size();
+  ScriptedUiServices& ui = m_scripted->ui;
+  const char* names[] = {"saved-wmf", "saved-emf", "saved-bmp",
+                         "saved-gif", "saved-png", "saved-svg"};
+  for (int filter = 1; filter <= 6; ++filter) {
+    const QString file = Artefact(QString::fromLatin1(names[filter - 1]));
+    ui.fileAnswers.push_back(file);
+    ui.filterAnswers.push_back(filter);
+    ASSERT_TRUE(view.Save()) << filter;
+  }
+  EXPECT_TRUE(ui.messages.empty()) << ui.MessageTexts().join("|").toStdString();
+  test::ExpectWmf2SvgAccepts(Artefact("saved-wmf.wmf"), Artefact("saved-wmf.svg"));
+  test::ExpectEmf2SvgAccepts(Artefact("saved-emf.emf"), Artefact("saved-emf.svg"));
+  EXPECT_EQ(test::DecodeWithBmptopnm(Artefact("saved-bmp.bmp")).size(), size);
+  EXPECT_EQ(test::Gif2RgbPixels(Artefact("saved-gif.gif")).size(),
+            size.width() * size.height() * 3);
+  EXPECT_TRUE(
+      test::GiftextReport(Artefact("saved-gif.gif"))
+          .contains(
+              QStringLiteral("Width = %1, Height = %2").arg(size.width()).arg(size.height())));
+  EXPECT_EQ(test::DecodeWithImageMagick(Artefact("saved-png.png")).size(), size);
+  test::ExpectXmllintAccepts(Artefact("saved-svg.svg"));
+  // The SVG drawn again, to look at.
+  QSvgRenderer svg(Artefact("saved-svg.svg"));
+  ASSERT_TRUE(svg.isValid());
+  EXPECT_EQ(svg.viewBox().size(), size);
+  QImage drawn(size, QImage::Format_RGB32);
+  drawn.fill(Qt::white);
+  QPainter painter(&drawn);
+  svg.render(&painter);
+  painter.end();
+  drawn.save(Artefact("saved-svg-drawn.png"));
+  // The dialog starts on the filter used last.
+  view.Save();
+  EXPECT_EQ(ui.fileRequests.back().filterIndex, 6);
+
+  // The popup: Copy, Print, Save, and no Zoom in the viewer itself.
+  QMenu* popup = view.Popup();
+  for (const char* name : {"mPopupCopy", "mPopupPrint", "mPopupSave", "mPopupZoom"})
+    EXPECT_NE(popup->findChild<QAction*>(QString::fromLatin1(name)), nullptr) << name;
+  ASSERT_TRUE(view.CopyToClipboard());
+  EXPECT_EQ(ui.clipboardImage.size(), size);
+
+  // A wheel step enlarges the window by a tenth.
+  const int width = view.width();
+  form->Zoom(1);
+  ProcessEvents();
+  EXPECT_NEAR(view.width(), width * 1.1, 2);
+}
+
+TEST_F(ChartWindows, GridChartsFollowTheChartsOption) {
+  auto* page = m_window->findChild<MetaView*>(QStringLiteral("MetaView"));
+  auto* grid = m_window->findChild<MetaView*>(QStringLiteral("MetaView2"));
+  ASSERT_NE(page, nullptr);
+  ASSERT_NE(grid, nullptr);
+  EXPECT_TRUE(page->GetMetafile());
+  EXPECT_TRUE(grid->GetMetafile());
+  SaveScreenshot(*m_window, QStringLiteral("main-window-charts"));
+  SaveScreenshot(*page, QStringLiteral("page-chart"));
+  SaveScreenshot(*grid, QStringLiteral("grid-chart"));
+  m_window->Tabs().setCurrentIndex(kProjectInTime);
+  ProcessEvents();
+  EXPECT_TRUE(page->GetMetafile());
+  SaveScreenshot(*page, QStringLiteral("page-chart-time"));
+  SaveScreenshot(*grid, QStringLiteral("grid-chart-time"));
+
+  Trigger("mOptionsCharts");
+  EXPECT_FALSE(m_window->MenuEntry(QStringLiteral("mOptionsCharts"))->isChecked());
+  EXPECT_FALSE(page->GetMetafile());
+  EXPECT_FALSE(grid->GetMetafile());
+  EXPECT_EQ(GetSetting(QStringLiteral("Options"), QStringLiteral("DisplayCharts")), "0");
+  SaveScreenshot(*m_window, QStringLiteral("main-window-no-charts"));
+  Trigger("mOptionsCharts");
+  EXPECT_TRUE(page->GetMetafile());
+  EXPECT_TRUE(grid->GetMetafile());
+}
+
+}  // namespace
+}  // namespace ombrelle
