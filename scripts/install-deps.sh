@@ -14,6 +14,8 @@ if [ "${1:-build}" = test ]; then
   packages+=(chromium)
   # GIF readers for the GIF writer's tests and the reference of its benchmark.
   packages+=(giflib-tools gifsicle)
+  # The install test checks the desktop entry.
+  packages+=(desktop-file-utils)
   # libFuzzer and its sanitizer runtimes for the fuzz targets.
   packages+=(clang-14 libclang-rt-14-dev)
 fi

@@ -1,12 +1,14 @@
 // Entry point of qvzview: makes the application object the run needs, puts the
 // process's arguments, streams and dialog services into the start-up hooks and
-// hands over to the shell. The exit status is always 0.
+// hands over to the shell. The exit status is the shell's: 0, or 1 when a
+// report, table or chart switch could not write its file.
 #include <cstdio>
 #include <memory>
 
 #include <QApplication>
 #include <QCoreApplication>
 #include <QDir>
+#include <QGuiApplication>
 #include <QStringList>
 
 #include "core/QVZ2XML.h"
@@ -38,10 +40,15 @@ int main(int argc, char** argv) {
 
   const bool hasDisplay = HasDisplay();
   std::unique_ptr<QCoreApplication> app;
-  if (hasDisplay)
+  if (hasDisplay) {
     app = std::make_unique<QApplication>(argc, argv);
-  else
+  } else if (ombrelle::TakesBatchReportRoad(arguments)) {
+    // Reports and charts measure and draw text: fonts without a screen.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    app = std::make_unique<QGuiApplication>(argc, argv);
+  } else {
     app = std::make_unique<QCoreApplication>(argc, argv);
+  }
   QCoreApplication::setApplicationName(QStringLiteral("qvzview"));
   QCoreApplication::setApplicationVersion(ombrelle::ProgramVersion());
 
@@ -63,6 +70,5 @@ int main(int argc, char** argv) {
   hooks.exportXml = ombrelle::SaveQVZ2XML;
   hooks.editHeader = [](const QString& file) { ombrelle::frmQVZEdit::Display(file); };
 
-  ombrelle::Main(arguments, hooks);
-  return 0;
+  return ombrelle::Main(arguments, hooks);
 }

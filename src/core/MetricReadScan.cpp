@@ -19,6 +19,7 @@
 #include "support/Codepage.h"
 #include "support/DateValue.h"
 #include "support/Filename.h"
+#include "support/ProgramFolders.h"
 #include "support/SettingsStore.h"
 
 namespace ombrelle {
@@ -223,7 +224,7 @@ int MetricRead::FindFirstDatabases(const QString& currentFolder, const QString& 
   };
   scan(currentFolder);
   if (found == 0 && !programFolder.isEmpty()) scan(programFolder);
-  if (!programFolder.isEmpty()) scan(JoinPath(programFolder, QStringLiteral("sample")));
+  if (!programFolder.isEmpty()) scan(ProgramDataFolder(programFolder, QStringLiteral("sample")));
   if (found > 0) {
     SortDatabases();
     MarkLatestSaves();

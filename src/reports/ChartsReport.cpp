@@ -41,16 +41,24 @@ QString EmbedChart(std::unique_ptr<ZelmChart> chart, MHTSaver& saver, const QStr
 
 QString WriteChartsReport(const ReportPage& page, ReportCharts& charts, const QDateTime& when) {
   BusyCursor busy;
-  const QString title = QStringLiteral("Metric charts");
   const QString name = MhtReportName(QStringLiteral("Charts"));
   if (name.isEmpty()) {
     Ui().MsgBox(QStringLiteral("Cannot generate file name."), MsgStyle::Exclamation, QString());
     return {};
   }
+  if (!WriteChartsReportFile(page, charts, name, when)) return {};
+  OpenReport(name);
+  return name;
+}
+
+bool WriteChartsReportFile(const ReportPage& page, ReportCharts& charts, const QString& name,
+                           const QDateTime& when) {
+  BusyCursor busy;
+  const QString title = QStringLiteral("Metric charts");
   MHTSaver saver;
   if (!saver.Start(name, title)) {
     CannotWrite(name, saver);
-    return {};
+    return false;
   }
   CString text;
   text.Append(ReportHead(title, false));
@@ -79,10 +87,9 @@ QString WriteChartsReport(const ReportPage& page, ReportCharts& charts, const QD
   text.AppendLine(QStringLiteral("</BODY></HTML>"));
   if (!saver.SaveHTML(text.Value(), QString(), QStringLiteral("text/html")) || !saver.Done(false)) {
     CannotWrite(name, saver);
-    return {};
+    return false;
   }
-  OpenReport(name);
-  return name;
+  return true;
 }
 
 }  // namespace ombrelle

@@ -29,5 +29,8 @@ class ReportCharts {
 // leaves nothing under the final name. The archive's name, "" on failure.
 QString WriteChartsReport(const ReportPage& page, ReportCharts& charts,
                           const QDateTime& when = QDateTime());
+// The same archive written to `file`, which is not opened; true when written.
+bool WriteChartsReportFile(const ReportPage& page, ReportCharts& charts, const QString& file,
+                           const QDateTime& when = QDateTime());
 
 }  // namespace ombrelle

@@ -171,11 +171,15 @@ QString SaveAndOpenReport(const QString& text, const QString& word) {
     Ui().MsgBox(QStringLiteral("Cannot generate file name."), MsgStyle::Exclamation, QString());
     return {};
   }
-  QByteArray bytes("\xEF\xBB\xBF");
-  bytes += text.toUtf8();
-  if (!SaveBinaryFile(name, bytes)) return {};
+  if (!SaveReportFile(text, name)) return {};
   OpenReport(name);
   return name;
+}
+
+bool SaveReportFile(const QString& text, const QString& file) {
+  QByteArray bytes("\xEF\xBB\xBF");
+  bytes += text.toUtf8();
+  return SaveBinaryFile(file, bytes);
 }
 
 void OpenReport(const QString& path) { Ui().ShellOpen(path); }

@@ -57,6 +57,10 @@ QString EscapedHTML(const QString& text);
 // (after the message "Cannot generate file name.") or the save failed (the
 // writer has shown why).
 QString SaveAndOpenReport(const QString& text, const QString& word);
+// Saves `text` to `file` as SaveAndOpenReport does (UTF-8 with a byte-order
+// mark, through a temporary name) without opening it; false after the
+// writer's message.
+bool SaveReportFile(const QString& text, const QString& file);
 // Opens a report with the desktop's default handler.
 void OpenReport(const QString& path);
 

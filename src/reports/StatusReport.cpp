@@ -163,23 +163,30 @@ QString StatusReportBody(const MetricRetriever& retriever, StatusPictures& pictu
 
 QString WriteStatusReport(MetricRead& reader, int database, int database2,
                           StatusPictures& pictures) {
-  BusyCursor busy;
   const QString name = MhtReportName(QStringLiteral("Status"));
+  if (!WriteStatusReportFile(reader, database, database2, pictures, name)) return {};
+  OpenReport(name);
+  return name;
+}
+
+bool WriteStatusReportFile(MetricRead& reader, int database, int database2,
+                           StatusPictures& pictures, const QString& name) {
+  BusyCursor busy;
   MHTSaver saver;
   if (name.isEmpty() || !saver.Start(name, QStringLiteral("Project status report"))) {
     Ui().MsgBox(
         QStringLiteral("Cannot write to ") + name + QStringLiteral("\r\n") + saver.ErrorText(),
         MsgStyle::Exclamation, QString());
-    return {};
+    return false;
   }
   if (!reader.OpenDatabase2(database)) {
     Ui().MsgBox(QStringLiteral("Could not open database 1"), MsgStyle::Exclamation, QString());
-    return {};
+    return false;
   }
   MetricRetriever retriever;
   if (!retriever.Initialize(database, database2)) {
     Ui().MsgBox(QStringLiteral("Could not initialize MR"), MsgStyle::Exclamation, QString());
-    return {};
+    return false;
   }
   QString name1 = reader.GetDatabaseName(database);
   QString name2 = database2 > 0 ? reader.GetDatabaseName(database2) : QString();
@@ -198,10 +205,9 @@ QString WriteStatusReport(MetricRead& reader, int database, int database2,
     Ui().MsgBox(
         QStringLiteral("Cannot write to ") + name + QStringLiteral("\r\n") + saver.ErrorText(),
         MsgStyle::Exclamation, QString());
-    return {};
+    return false;
   }
-  OpenReport(name);
-  return name;
+  return true;
 }
 
 }  // namespace ombrelle

@@ -36,5 +36,9 @@ QString StatusReportBody(const MetricRetriever& retriever, StatusPictures& pictu
 // Returns the archive's name, "" on failure.
 QString WriteStatusReport(MetricRead& reader, int database, int database2,
                           StatusPictures& pictures);
+// The same report written to `file`, which is not opened. True when written;
+// a failure has been shown in a box.
+bool WriteStatusReportFile(MetricRead& reader, int database, int database2,
+                           StatusPictures& pictures, const QString& file);
 
 }  // namespace ombrelle

@@ -136,6 +136,8 @@ CommandLineRequest ParseCommandLine(const QStringList& params, StartupState& sta
         state.SilentMode = true;
       } else if (name == QLatin1String("/?")) {
         return CommandLineRequest::ShowUsage;
+      } else {
+        ParseBatchSwitch(param, state.Batch);
       }
       continue;  // unknown switches do nothing
     }
@@ -147,6 +149,8 @@ CommandLineRequest ParseCommandLine(const QStringList& params, StartupState& sta
       state.InputFile = file;
     else if (state.OutputFile.isEmpty())
       state.OutputFile = file;
+    else if (state.CompareFile.isEmpty())
+      state.CompareFile = file;
   }
   return CommandLineRequest::Run;
 }

@@ -42,8 +42,9 @@ enum class CommandLineRequest {
 
 // Fills `state` from `params` (element 0 is the program and is skipped). File
 // names are made absolute against `currentDir` (empty: the process's current
-// directory); the first goes to InputFile, the second to OutputFile, further
-// ones are skipped. Switches set flags; unknown switches are ignored. Parsing
+// directory); the first goes to InputFile, the second to OutputFile, the third
+// to CompareFile, further ones are skipped. Switches set flags or fill the
+// batch request; unknown switches are ignored. Parsing
 // stops at a request for usage or version, so parameters behind it have no
 // effect.
 CommandLineRequest ParseCommandLine(const QStringList& params, StartupState& state,

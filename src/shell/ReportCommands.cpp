@@ -48,6 +48,10 @@ class PageCharts : public ReportCharts {
 
 }  // namespace
 
+std::unique_ptr<ReportCharts> MakePageCharts(PageModel& page) {
+  return std::make_unique<PageCharts>(page);
+}
+
 void ReportCommands::StatisticsReport() { WriteStatisticsReport(PageReportSource(m_page)); }
 
 void ReportCommands::ChartsReport() {

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <memory>
+
 #include <QString>
 
 namespace ombrelle {
 
 class ListModel;
+class ReportCharts;
 class PageModel;
 class StatusPictures;
 
@@ -50,5 +53,9 @@ class ReportCommands {
   ProjectDialogs& m_dialogs;
   StatusPictures& m_pictures;
 };
+
+// The charts of the charts report as the window's chart commands make them
+// for the page's series.
+std::unique_ptr<ReportCharts> MakePageCharts(PageModel& page);
 
 }  // namespace ombrelle

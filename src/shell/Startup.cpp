@@ -3,9 +3,11 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include "shell/BatchRoad.h"
 #include "shell/CommandLine.h"
 #include "shell/StartupState.h"
 #include "shell/TabMsgBox.h"
+#include "support/ProgramFolders.h"
 #include "support/SettingsStore.h"
 #include "support/UiServices.h"
 
@@ -73,8 +75,45 @@ bool DisplayChartsFromSetting(const QString& value) {
 StartupRoad ChooseRoad(const StartupState& state) {
   if (state.EditMode) return StartupRoad::EditHeader;
   if (state.SaveMode) return StartupRoad::SaveXml;
+  if (state.Batch.Report != BatchReport::None) return StartupRoad::BatchReport;
   return StartupRoad::MainWindow;
 }
+
+bool TakesBatchReportRoad(const QStringList& arguments) {
+  StartupState state;
+  const QStringList params =
+      GetCommandLineParams(kMaxParams, JoinCommandLine(arguments.mid(1)), arguments.value(0));
+  return ParseCommandLine(params, state) == CommandLineRequest::Run &&
+         ChooseRoad(state) == StartupRoad::BatchReport;
+}
+
+namespace {
+
+// The report, table and chart switches in the usage box.
+void AddBatchUsage(TabMsgBox& box) {
+  box.AddLine(QStringLiteral("qvzview in.qvz out.EXT [other.qvz] /SWITCH"));
+  box.AddTabLine(QStringLiteral("/STATUS"),
+                 QStringLiteral("Project status report (.mht), compared with other.qvz"));
+  box.AddTabLine(QStringLiteral("/TABLE:CLASS"), QStringLiteral("Page of CLASS (.csv .html .txt)"));
+  box.AddTabLine(QStringLiteral("/STATS:CLASS"), QStringLiteral("Statistics report (.html)"));
+  box.AddTabLine(QStringLiteral("/CHARTS:CLASS"), QStringLiteral("Charts report (.mht)"));
+  box.AddTabLine(QStringLiteral("/CORRELATION:CLASS"),
+                 QStringLiteral("Correlation report (.html)"));
+  box.AddTabLine(QStringLiteral("/LIMITREPORT"), QStringLiteral("Limits report (.html)"));
+  box.AddTabLine(QStringLiteral("/CHART:KIND:METRIC"),
+                 QStringLiteral("Chart (.gif .bmp .emf .wmf .png .svg)"));
+  box.AddTabLine(QString(),
+                 QStringLiteral("KIND bar, histogram, distribution, pie, kiviat or scatter:Y"));
+  box.AddTabLine(QStringLiteral("/WIDTH:N"), QStringLiteral("Width of a chart bitmap (1500)"));
+  box.AddTabLine(QStringLiteral("/LIMIT:N"), QStringLiteral("Limit set, by number or name"));
+  box.AddTabLine(QStringLiteral("/SELECTION:N"),
+                 QStringLiteral("Metric selection, by number or name"));
+  box.AddTabLine(QStringLiteral("CLASS, METRIC:"),
+                 QStringLiteral("file, cls, proc or var; 4120 or proc.CC"));
+  box.AddTabLine(QStringLiteral("Exit status:"), QStringLiteral("0 written, 1 not written"));
+}
+
+}  // namespace
 
 TabMsgBox UsageBox() {
   TabMsgBox box;
@@ -86,6 +125,8 @@ TabMsgBox UsageBox() {
   box.AddTabLine(QStringLiteral("/SAVEXMLDEL"),
                  QStringLiteral("Save in.qvz to out.xml, delete in.qvz"));
   box.AddTabLine(QStringLiteral("/SAVEXMLDELS"), QStringLiteral("Like /SAVEXMLDEL but silent"));
+  box.AddLine(QString());
+  AddBatchUsage(box);
   box.AddLine(QString());
   box.AddTabLine(QStringLiteral("No parameters:"), QStringLiteral("Open databases on search path"));
   box.AddLine(QString());
@@ -141,7 +182,8 @@ int Main(const QStringList& arguments, const StartupHooks& hooks) {
   state.DisplayCharts = DisplayChartsFromSetting(
       GetSetting(QStringLiteral("Options"), QStringLiteral("DisplayCharts"), QStringLiteral("-1")));
   state.HelpFile =
-      QFileInfo(hooks.programPath).absolutePath() + QStringLiteral("/www/pm-index.html");
+      ProgramDataFolder(QFileInfo(hooks.programPath).absolutePath(), QStringLiteral("www")) +
+      QStringLiteral("/pm-index.html");
 
   // The process got its arguments already split; joined back into one line
   // they are split by the program's own rules, which also caps their number.
@@ -179,6 +221,8 @@ int Main(const QStringList& arguments, const StartupHooks& hooks) {
       SaveDatabaseAsXml(state, hooks.exportXml, hooks.deleteFile);
       return 0;
     }
+    case StartupRoad::BatchReport:
+      return RunBatchReport(state, hooks.writeErr);
     case StartupRoad::MainWindow:
       break;
   }

@@ -50,16 +50,24 @@ struct StartupHooks {
   std::function<bool(const QString&)> deleteFile = DeleteFile;
 };
 
-// The three roads of the program.
-enum class StartupRoad { MainWindow, EditHeader, SaveXml };
+// The roads of the program: the three described ones and the report,
+// table and chart switches.
+enum class StartupRoad { MainWindow, EditHeader, SaveXml, BatchReport };
 
 // The entry point: reads the start-up setting, names the help file, parses
 // `arguments` (element 0 the program, as the process got them) into Startup()
-// and takes one road. The exit status, always 0.
+// and takes one road. The exit status: 0, but for the report, table and
+// chart switches, which end with 1 when their file was not written.
 int Main(const QStringList& arguments, const StartupHooks& hooks);
 
-// The road `state` asks for: "/EDIT" wins over the export switches.
+// The road `state` asks for: "/EDIT" wins over the export switches, which
+// win over the report, table and chart switches.
 StartupRoad ChooseRoad(const StartupState& state);
+
+// True when `arguments` (as Main takes them) ask for a report, table or
+// chart file: that road draws text and pictures and so needs the GUI
+// module's fonts even where there is no display.
+bool TakesBatchReportRoad(const QStringList& arguments);
 
 // The usage box's content.
 TabMsgBox UsageBox();

@@ -153,6 +153,34 @@ QList<QStringList> PythonCsvRows(const QString& path, const QString& delimiter,
   return rows;
 }
 
+int WebArchivePictureCount(const QString& path) {
+  const char* script = R"PY(
+import email, email.policy, re, sys, urllib.parse
+m = email.message_from_binary_file(open(sys.argv[1], 'rb'), policy=email.policy.default)
+assert m.get_content_type() == 'multipart/related', m.get_content_type()
+parts = list(m.iter_parts())
+assert parts[0].get_content_type() == 'text/html', parts[0].get_content_type()
+html = parts[0].get_content()
+base = parts[0]['Content-Location'] or ''
+names = {p['Content-Location']: p for p in parts[1:]}
+srcs = re.findall(r'<IMG SRC="([^"]+)"', html, re.I)
+for s in srcs:
+    u = urllib.parse.urljoin(base, s)
+    assert u in names, u
+    assert len(names[u].get_content()) > 0, u
+print(len(srcs))
+)PY";
+  const QByteArray out = OutsideReaderOutput(
+      QStringLiteral("python3"), {QStringLiteral("-c"), QString::fromUtf8(script), path});
+  bool ok = false;
+  const int count = out.trimmed().toInt(&ok);
+  if (!ok) {
+    ADD_FAILURE() << "not a web archive: " << path.toStdString();
+    return -1;
+  }
+  return count;
+}
+
 QString ArtefactPath(const QString& suite, const QString& name) {
   const QString folder = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/") + suite;
   QDir().mkpath(folder);

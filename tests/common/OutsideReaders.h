@@ -40,6 +40,12 @@ void ExpectXmllintHtmlAccepts(const QString& path);
 QList<QStringList> PythonCsvRows(const QString& path, const QString& delimiter,
                                  const QString& encoding);
 
+// The number of pictures the HTML part of the web archive `path` shows,
+// read by Python's email package: the archive must be multipart/related
+// with the HTML first, and every IMG source must resolve to a part of the
+// archive that decodes. -1 and a test failure otherwise.
+int WebArchivePictureCount(const QString& path);
+
 // <build>/test-output/<suite>/<name>, its folder made: where tests keep the
 // pictures a person looks at.
 QString ArtefactPath(const QString& suite, const QString& name);
