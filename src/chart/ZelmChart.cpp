@@ -156,7 +156,10 @@ void ZelmChart::Draw(bool BlackWhite) {
   DrawTitle();
   DrawAxisCaption();
   const bool known = m_chartKind >= 0 && m_chartKind <= 9;
-  if (known && (hasData || m_chartKind == 8)) {
+  // A dot plot may come with its values in the second place (see DrawScatter).
+  const bool dotsInSecond =
+      m_chartKind == 7 && m_series.size() >= 2 && m_series[1].count() > 0;
+  if (known && (hasData || m_chartKind == 8 || dotsInSecond)) {
     switch (m_chartKind) {
       case 0:
         DrawBars(m_series, m_dataLabels, HasLabels, nullptr);
@@ -194,7 +197,7 @@ void ZelmChart::Draw(bool BlackWhite) {
 // --- Text and scale -------------------------------------------------------------------------
 
 void ZelmChart::SetFontSize(int size) {
-  m_picture->Font().size = static_cast<float>(size);
+  m_picture->Font().size = static_cast<float>(size) * TextScale;
   m_picture->ApplyFont(false);
   m_fontSize = size;
 }

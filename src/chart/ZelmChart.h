@@ -45,6 +45,10 @@ class ZelmChart {
   QString AxisCaption;
   std::uint32_t GridColor = 0xEEEEEE;
   bool ShowLegend = false;
+  // Every text of the chart grows by this factor. The small charts beside the
+  // grid show the page at a fifth of its size, where the usual 3 mm labels
+  // would be a few pixels high.
+  float TextScale = 1.0f;
   bool LegendGiven = false;
   bool HasLabels = false;
   std::int32_t MarkIndex = 0;  // the bar marked with an arrow, 1-based; 0 is none

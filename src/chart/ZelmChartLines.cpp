@@ -91,7 +91,10 @@ void ZelmChart::DrawScatter(bool Paired) {
     return;
   }
 
-  CStats& data = m_series[0];
+  // The distribution command leaves the first place empty (it is where the
+  // spread of x belongs) and hands its values in the second.
+  const int index = SeriesCount() >= 2 && m_series[0].count() == 0 ? 2 : 1;
+  CStats& data = m_series[index - 1];
   data.Sort(1);
   CStats spread;
   for (int i = 1; i <= data.count(); ++i) {
@@ -114,13 +117,13 @@ void ZelmChart::DrawScatter(bool Paired) {
   DrawXAxis();
   DrawYGrid();
   DrawYAxis();
-  const std::uint32_t color = SeriesColor(1);
+  const std::uint32_t color = SeriesColor(index);
   for (int i = 1; i <= data.count(); ++i)
     DrawPoint(data, spread.ValueAtIndex(i), data.ValueAtIndex(i), color, false);
   m_spreadX = std::move(spread);
   if (data.count() >= kTestedFrom) {
-    DrawBoxPlot(1, 2);
-    DrawQuantileMarks(1);
+    DrawBoxPlot(index, 2);
+    DrawQuantileMarks(index);
   }
 }
 

@@ -9,6 +9,22 @@
 
 namespace ombrelle {
 
+namespace {
+
+// The chart drawn again with larger texts, so that the labels stay readable
+// in the small place. The page title under the chart is left out: it stands
+// above the table already, and the room goes to the axis labels.
+std::shared_ptr<Metafile> SmallChart(std::unique_ptr<ZelmChart> chart) {
+  if (chart) {
+    chart->TextScale = 1.5f;
+    if (!chart->AxisCaption.startsWith(QStringLiteral("Red = "))) chart->AxisCaption.clear();
+    chart->Draw(false);
+  }
+  return ChartMetafile(std::move(chart));
+}
+
+}  // namespace
+
 void StatsPanel::ChartsChanged() {
   if (m_chartsListener) m_chartsListener();
 }
@@ -16,7 +32,7 @@ void StatsPanel::ChartsChanged() {
 void StatsPanel::UpdatePageChart(int series) {
   m_pageChart.reset();
   if (series != 0 && DisplayCharts())
-    m_pageChart = ChartMetafile(ChartCommands(m_page).MakePageChart(series));
+    m_pageChart = SmallChart(ChartCommands(m_page).MakePageChart(series));
   ChartsChanged();
 }
 
@@ -45,7 +61,7 @@ void StatsPanel::UpdateGridChart(int mode) {
     chart = ChartCommands(m_page).MakeBarChart(false, series);
   }
   ++m_gridChartsMade;
-  m_gridChart = ChartMetafile(std::move(chart));
+  m_gridChart = SmallChart(std::move(chart));
   ChartsChanged();
 }
 

@@ -1,6 +1,8 @@
 // The chart routines of the page: what each hands to the chart, their
 // refusals, the format family tree, the regression line text and the
 // correlation matrix.
+#include <algorithm>
+
 #include <QImage>
 #include <QRegularExpression>
 
@@ -9,6 +11,8 @@
 #include "common/OutsideReaders.h"
 #include "core/ListModel.h"
 #include "pictures/Bitmap.h"
+#include "pictures/Metafile.h"
+#include "pictures/MetaRecord.h"
 #include "shell/ChartCommands.h"
 #include "shell/PageModelFixture.h"
 #include "support/FormatNum.h"
@@ -151,6 +155,11 @@ TEST_F(ChartCommandsTest, HistogramAndDistributionOfTheCurrentColumn) {
   ASSERT_EQ(dots->SeriesData().size(), 2u);
   EXPECT_EQ(dots->SeriesData()[0].count(), 0);
   EXPECT_EQ(dots->SeriesData()[1].count(), model->Series(series)->count());
+  // One dot per value, drawn from the second place.
+  const auto& records = dots->GetMetafile().Records();
+  EXPECT_EQ(std::count_if(records.begin(), records.end(),
+                          [](const MetaRecord& r) { return r.kind == MetaRecord::Ellipse; }),
+            model->Series(series)->count());
   Save(*dots, "Distribution.png");
   EXPECT_FALSE(commands.MakeDistributionChart(0));
 }
