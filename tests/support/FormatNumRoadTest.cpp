@@ -174,7 +174,9 @@ namespace {
 TEST(FormatNumRoad, IntegerCharsWritesWhatToCharsWrites) {
   std::vector<long long> values = {0, std::numeric_limits<long long>::min(),
                                    std::numeric_limits<long long>::max()};
-  for (long long power = 1; power <= 1000000000000000000LL; power *= 10) {
+  long long power = 1;  // 10^0 to 10^18, the last power a long long holds
+  for (int exponent = 0; exponent <= 18; ++exponent) {
+    if (exponent > 0) power *= 10;
     for (long long near : {power - 1, power, power + 1}) {
       values.push_back(near);
       values.push_back(-near);
