@@ -5,15 +5,14 @@
 #include <cstdio>
 #include <memory>
 
-#include <QApplication>
 #include <QCoreApplication>
 #include <QDir>
-#include <QGuiApplication>
 #include <QStringList>
 
 #include "core/QVZ2XML.h"
 #include "core/ui/frmQVZEdit.h"
 #include "shell/Startup.h"
+#include "shell/ui/ApplicationObject.h"
 #include "shell/ui/MainWindowRoad.h"
 #include "support/ui/EchoingUiServices.h"
 #include "support/ui/QtUiServices.h"
@@ -39,16 +38,8 @@ int main(int argc, char** argv) {
   for (int i = 0; i < argc; ++i) arguments.append(QString::fromLocal8Bit(argv[i]));
 
   const bool hasDisplay = HasDisplay();
-  std::unique_ptr<QCoreApplication> app;
-  if (hasDisplay) {
-    app = std::make_unique<QApplication>(argc, argv);
-  } else if (ombrelle::TakesBatchReportRoad(arguments)) {
-    // Reports and charts measure and draw text: fonts without a screen.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    app = std::make_unique<QGuiApplication>(argc, argv);
-  } else {
-    app = std::make_unique<QCoreApplication>(argc, argv);
-  }
+  const std::unique_ptr<QCoreApplication> app = ombrelle::MakeApplicationObject(
+      argc, argv, hasDisplay, ombrelle::TakesBatchReportRoad(arguments));
   QCoreApplication::setApplicationName(QStringLiteral("qvzview"));
   QCoreApplication::setApplicationVersion(ombrelle::ProgramVersion());
 
