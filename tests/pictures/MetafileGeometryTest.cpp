@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 
 #include <QGuiApplication>
 #include <QPalette>
@@ -11,6 +10,7 @@
 #include "common/MessageAssertions.h"
 #include "pictures/Bitmap.h"
 #include "pictures/Metafile.h"
+#include "pictures/MetafileConversions.h"
 
 namespace ombrelle {
 namespace {
@@ -19,189 +19,121 @@ using Points = std::vector<QPoint>;
 using Kinds = std::vector<MetaRecord::Kind>;
 
 struct ShapeCase {
+  ShapeCase(const char* n, int mode, void (*d)(Metafile&), Kinds k, std::vector<Points> p)
+      : name(n), mapMode(mode), draw(d), kinds(std::move(k)), points(std::move(p)) {}
   const char* name;
   int mapMode;
-  std::function<void(Metafile&)> draw;
+  void (*draw)(Metafile&);
   Kinds kinds;
   std::vector<Points> points;  // per record
 };
 
-class ShapeGeometry : public ::testing::TestWithParam<ShapeCase> {};
-
-TEST_P(ShapeGeometry, RecordsTheExpectedIntegerPoints) {
-  const ShapeCase& c = GetParam();
-  Metafile meta;
-  ASSERT_TRUE(meta.Create(150, 112, false, QStringLiteral("T"), QString(), c.mapMode));
-  c.draw(meta);
-  const auto& records = meta.Records();
-  ASSERT_EQ(records.size(), c.kinds.size()) << c.name;
-  for (size_t i = 0; i < records.size(); ++i) {
-    EXPECT_EQ(records[i].kind, c.kinds[i]) << c.name << " record " << i;
-    EXPECT_EQ(records[i].points, c.points[i]) << c.name << " record " << i;
-  }
-}
-
+using M = Metafile;
 constexpr auto Poly = MetaRecord::Polygon;
 constexpr auto Line = MetaRecord::Line;
 constexpr auto Chain = MetaRecord::Polyline;
+constexpr auto Ellipse = MetaRecord::Ellipse;
+constexpr auto Bezier = MetaRecord::Bezier;
+constexpr auto Fill = MetaRecord::FillRect;
 
 const Points kHexagon = {{10, -40}, {35, -10}, {85, -10}, {110, -40}, {85, -70}, {35, -70}};
 const Points kOuter = {{20, -40}, {100, -40}, {80, 0}, {0, 0}};
 const Points kInner = {{20, -34}, {94, -34}, {80, -6}, {6, -6}};
+const Points kDiamond = {{0, -25}, {50, -50}, {100, -25}, {50, 0}};
+const Points kSquare = {{50, 200}, {0, 100}, {50, 0}, {100, 100}};
+const Points kArrow = {{100, 0}, {61, -10}, {61, 10}};
 
-INSTANTIATE_TEST_SUITE_P(
-    Shapes, ShapeGeometry,
-    ::testing::Values(ShapeCase{"triangle rounds half to even",
-                                2,
-                                [](Metafile& m) {
-                                  m.DrawTriangle(0.5f, 1.5f, 2.5f, -0.5f, -1.5f, 3.5f, 0xFF);
-                                },
-                                {Poly},
-                                {{{0, 2}, {2, 0}, {-2, 4}}}},
-                      ShapeCase{"diamond with border",
-                                2,
-                                [](Metafile& m) { m.DrawDiamond(0, 0, 100, -50, 0xFF, true); },
-                                {Poly, Chain, Line},
-                                {{{0, -25}, {50, -50}, {100, -25}, {50, 0}},
-                                 {{0, -25}, {50, -50}, {100, -25}, {50, 0}},
-                                 {{50, 0}, {0, -25}}}},
-                      ShapeCase{"hexagon",
-                                2,
-                                [](Metafile& m) { m.DrawHexagon(10, -10, 110, -70, 0xFF); },
-                                {Poly},
-                                {kHexagon}},
-                      ShapeCase{"hexagon inset 2.5 rounds to 2",
-                                2,
-                                [](Metafile& m) { m.DrawHexagon(0, 0, 10, -20, 0xFF); },
-                                {Poly},
-                                {{{0, -10}, {2, 0}, {8, 0}, {10, -10}, {8, -20}, {2, -20}}}},
-                      ShapeCase{"hexagon without colour is an outline",
-                                2,
-                                [](Metafile& m) { m.DrawHexagon(10, -10, 110, -70); },
-                                {Chain, Line},
-                                {kHexagon, {{35, -70}, {10, -40}}}},
-                      ShapeCase{"inverted house",
-                                2,
-                                [](Metafile& m) { m.DrawInvHouse(0, 0, 60, -90, 0xFF); },
-                                {Poly},
-                                {{{0, -90}, {0, 30}, {30, 0}, {60, 30}, {60, -90}}}},
-                      ShapeCase{"parallelogram",
-                                2,
-                                [](Metafile& m) { m.DrawParallelogram(0, 0, 100, -40, 0xFF); },
-                                {Poly, Chain, Line},
-                                {kOuter, kOuter, {{0, 0}, {20, -40}}}},
-                      ShapeCase{
-                          "parallelogram with inset copy",
-                          2,
-                          [](Metafile& m) { m.DrawParallelogram(0, 0, 100, -40, 0xFF, true); },
-                          {Chain, Line, Poly, Chain, Line, Poly, Chain, Line},
-                          {kOuter,
-                           {{0, 0}, {20, -40}},
-                           kOuter,
-                           kOuter,
-                           {{0, 0}, {20, -40}},
-                           kInner,
-                           kInner,
-                           {{6, -6}, {20, -34}}}},
-                      ShapeCase{"square polygon in a box taller than wide",
-                                1,
-                                [](Metafile& m) { m.DrawPolygon(0, 0, 100, 200, 4, 0xFF); },
-                                {Poly, Chain, Line},
-                                {{{50, 200}, {0, 100}, {50, 0}, {100, 100}},
-                                 {{50, 200}, {0, 100}, {50, 0}, {100, 100}},
-                                 {{100, 100}, {50, 200}}}},
-                      ShapeCase{"square polygon with negative y",
-                                2,
-                                [](Metafile& m) { m.DrawPolygon(0, 0, 100, -200, 4); },
-                                {Chain, Line},
-                                {{{50, -200}, {0, -100}, {50, 0}, {100, -100}},
-                                 {{100, -100}, {50, -200}}}},
-                      ShapeCase{"borderless filled box grows right and away from y1",
-                                2,
-                                [](Metafile& m) { m.DrawBox(10, -10, 50, -40, 0xFF); },
-                                {MetaRecord::FillRect},
-                                {{{10, -10}, {51, -41}}}},
-                      ShapeCase{"borderless filled box, y downwards",
-                                1,
-                                [](Metafile& m) { m.DrawBox(10, 10, 50, 40, 0xFF); },
-                                {MetaRecord::FillRect},
-                                {{{10, 10}, {51, 41}}}},
-                      ShapeCase{"bordered box keeps its corners",
-                                2,
-                                [](Metafile& m) { m.DrawBox(10, -10, 50, -40, 0xFF, true); },
-                                {MetaRecord::FillRect, Chain},
-                                {{{10, -10}, {50, -40}},
-                                 {{10, -10}, {50, -10}, {50, -40}, {10, -40}, {10, -10}}}},
-                      ShapeCase{"arrow head on a horizontal line",
-                                2,
-                                [](Metafile& m) { m.DrawArrowHead(0, 0, 100, 0, 0xFF, false, 1); },
-                                {Poly},
-                                {{{100, 0}, {61, -10}, {61, 10}}}},
-                      ShapeCase{"arrow head pushed forward",
-                                2,
-                                [](Metafile& m) { m.DrawArrowHead(0, 0, 100, 0, 0xFF, true, 1); },
-                                {Poly},
-                                {{{127, 0}, {88, -10}, {88, 10}}}},
-                      ShapeCase{"arrow head on a vertical line",
-                                2,
-                                [](Metafile& m) { m.DrawArrowHead(0, 0, 0, -100, 0xFF, false, 1); },
-                                {Poly},
-                                {{{0, -100}, {-10, -61}, {10, -61}}}},
-                      ShapeCase{"arrow head on a line of no length",
-                                2,
-                                [](Metafile& m) { m.DrawArrowHead(5, 5, 5, 5, 0xFF, false, 1); },
-                                {Poly},
-                                {{{5, 5}, {-34, -5}, {-34, 15}}}},
-                      ShapeCase{"open arrow head has a border",
-                                2,
-                                [](Metafile& m) { m.DrawArrowHead(0, 0, 100, 0, 0xFF, false, 2); },
-                                {Poly, Chain, Line},
-                                {{{100, 0}, {61, -10}, {61, 10}},
-                                 {{100, 0}, {61, -10}, {61, 10}},
-                                 {{61, 10}, {100, 0}}}},
-                      ShapeCase{"line arrow head",
-                                3,
-                                [](Metafile& m) { m.DrawArrowHead(0, 0, 1000, 0, 0xFF, false, 3); },
-                                {Line, Line},
-                                {{{1000, 0}, {614, -104}}, {{1000, 0}, {614, 104}}}},
-                      ShapeCase{
-                          "round arrow head",
-                          2,
-                          [](Metafile& m) { m.DrawArrowHead(0, 0, 100, 0, 0xFF, false, 4); },
-                          {MetaRecord::Ellipse},
-                          {{{80, -13}, {100, 7}}}},
-                      ShapeCase{"unknown arrow style draws nothing",
-                                2,
-                                [](Metafile& m) { m.DrawArrowHead(0, 0, 100, 0, 0xFF, false, 5); },
-                                {},
-                                {}},
-                      ShapeCase{
-                          "bezier with its arrow from the point before the last",
-                          2,
-                          [](Metafile& m) {
-                            m.DrawBezier({0, 0, 30, 0, 70, 0, 100, 0}, 0xFF, 2, 1);
-                          },
-                          {MetaRecord::Bezier, Poly},
-                          {{{0, 0}, {30, 0}, {70, 0}, {100, 0}}, {{100, 0}, {61, -10}, {61, 10}}}},
-                      ShapeCase{"bezier whose last control point lies on its end",
-                                2,
-                                [](Metafile& m) {
-                                  m.DrawBezier({0, 0, 0, 100, 100, 0, 100, 0}, 0xFF, {}, 1);
-                                },
-                                {MetaRecord::Bezier, Poly},
-                                {{{0, 0}, {0, 100}, {100, 0}, {100, 0}},
-                                 {{100, 0}, {61, -10}, {61, 10}}}},
-                      ShapeCase{"pie by angles",
-                                2,
-                                [](Metafile& m) { m.DrawPieAngle(0, 0, 100, 0, 1.5707964f, 0xFF); },
-                                {MetaRecord::Pie},
-                                {{{-100, -100}, {100, 100}, {100, 0}, {0, 100}}}},
-                      ShapeCase{"circle",
-                                2,
-                                [](Metafile& m) { m.DrawCircle(50, -50, 20, 0); },
-                                {MetaRecord::Ellipse},
-                                {{{30, -70}, {70, -30}}}}),
-    [](const auto& info) { return "Case" + std::to_string(info.index); });
+TEST(ShapeGeometry, RecordsTheExpectedIntegerPoints) {
+  const ShapeCase cases[] = {
+      ShapeCase("triangle rounds half to even", 2,
+                [](M& m) { m.DrawTriangle(0.5f, 1.5f, 2.5f, -0.5f, -1.5f, 3.5f, 0xFF); }, {Poly},
+                {{{0, 2}, {2, 0}, {-2, 4}}}),
+      ShapeCase("diamond with border", 2, [](M& m) { m.DrawDiamond(0, 0, 100, -50, 0xFF, true); },
+                {Poly, Chain, Line}, {kDiamond, kDiamond, {{50, 0}, {0, -25}}}),
+      ShapeCase("hexagon", 2, [](M& m) { m.DrawHexagon(10, -10, 110, -70, 0xFF); }, {Poly},
+                {kHexagon}),
+      ShapeCase("hexagon inset 2.5 rounds to 2", 2,
+                [](M& m) { m.DrawHexagon(0, 0, 10, -20, 0xFF); }, {Poly},
+                {{{0, -10}, {2, 0}, {8, 0}, {10, -10}, {8, -20}, {2, -20}}}),
+      ShapeCase("hexagon without colour is an outline", 2,
+                [](M& m) { m.DrawHexagon(10, -10, 110, -70); }, {Chain, Line},
+                {kHexagon, {{35, -70}, {10, -40}}}),
+      ShapeCase("inverted house", 2, [](M& m) { m.DrawInvHouse(0, 0, 60, -90, 0xFF); }, {Poly},
+                {{{0, -90}, {0, 30}, {30, 0}, {60, 30}, {60, -90}}}),
+      ShapeCase("parallelogram", 2, [](M& m) { m.DrawParallelogram(0, 0, 100, -40, 0xFF); },
+                {Poly, Chain, Line}, {kOuter, kOuter, {{0, 0}, {20, -40}}}),
+      ShapeCase("parallelogram with inset copy", 2,
+                [](M& m) { m.DrawParallelogram(0, 0, 100, -40, 0xFF, true); },
+                {Chain, Line, Poly, Chain, Line, Poly, Chain, Line},
+                {kOuter,
+                 {{0, 0}, {20, -40}},
+                 kOuter,
+                 kOuter,
+                 {{0, 0}, {20, -40}},
+                 kInner,
+                 kInner,
+                 {{6, -6}, {20, -34}}}),
+      ShapeCase("square polygon in a box taller than wide", 1,
+                [](M& m) { m.DrawPolygon(0, 0, 100, 200, 4, 0xFF); }, {Poly, Chain, Line},
+                {kSquare, kSquare, {{100, 100}, {50, 200}}}),
+      ShapeCase("square polygon with negative y", 2,
+                [](M& m) { m.DrawPolygon(0, 0, 100, -200, 4); }, {Chain, Line},
+                {{{50, -200}, {0, -100}, {50, 0}, {100, -100}}, {{100, -100}, {50, -200}}}),
+      ShapeCase("borderless filled box grows right and away from y1", 2,
+                [](M& m) { m.DrawBox(10, -10, 50, -40, 0xFF); }, {Fill}, {{{10, -10}, {51, -41}}}),
+      ShapeCase("borderless filled box, y downwards", 1,
+                [](M& m) { m.DrawBox(10, 10, 50, 40, 0xFF); }, {Fill}, {{{10, 10}, {51, 41}}}),
+      ShapeCase("bordered box keeps its corners", 2,
+                [](M& m) { m.DrawBox(10, -10, 50, -40, 0xFF, true); }, {Fill, Chain},
+                {{{10, -10}, {50, -40}}, {{10, -10}, {50, -10}, {50, -40}, {10, -40}, {10, -10}}}),
+      ShapeCase("arrow head on a horizontal line", 2,
+                [](M& m) { m.DrawArrowHead(0, 0, 100, 0, 0xFF, false, 1); }, {Poly}, {kArrow}),
+      ShapeCase("arrow head pushed forward", 2,
+                [](M& m) { m.DrawArrowHead(0, 0, 100, 0, 0xFF, true, 1); }, {Poly},
+                {{{127, 0}, {88, -10}, {88, 10}}}),
+      ShapeCase("arrow head on a vertical line", 2,
+                [](M& m) { m.DrawArrowHead(0, 0, 0, -100, 0xFF, false, 1); }, {Poly},
+                {{{0, -100}, {-10, -61}, {10, -61}}}),
+      ShapeCase("arrow head on a line of no length", 2,
+                [](M& m) { m.DrawArrowHead(5, 5, 5, 5, 0xFF, false, 1); }, {Poly},
+                {{{5, 5}, {-34, -5}, {-34, 15}}}),
+      ShapeCase("open arrow head has a border", 2,
+                [](M& m) { m.DrawArrowHead(0, 0, 100, 0, 0xFF, false, 2); }, {Poly, Chain, Line},
+                {kArrow, kArrow, {{61, 10}, {100, 0}}}),
+      ShapeCase("line arrow head", 3, [](M& m) { m.DrawArrowHead(0, 0, 1000, 0, 0xFF, false, 3); },
+                {Line, Line}, {{{1000, 0}, {614, -104}}, {{1000, 0}, {614, 104}}}),
+      ShapeCase("round arrow head", 2, [](M& m) { m.DrawArrowHead(0, 0, 100, 0, 0xFF, false, 4); },
+                {Ellipse}, {{{80, -13}, {100, 7}}}),
+      ShapeCase("unknown arrow style draws nothing", 2,
+                [](M& m) { m.DrawArrowHead(0, 0, 100, 0, 0xFF, false, 5); }, {}, {}),
+      ShapeCase("bezier with its arrow from the point before the last", 2,
+                [](M& m) {
+                  m.DrawBezier({0, 0, 30, 0, 70, 0, 100, 0}, 0xFF, 2, 1);
+                },
+                {Bezier, Poly}, {{{0, 0}, {30, 0}, {70, 0}, {100, 0}}, kArrow}),
+      ShapeCase("bezier whose last control point lies on its end", 2,
+                [](M& m) {
+                  m.DrawBezier({0, 0, 0, 100, 100, 0, 100, 0}, 0xFF, {}, 1);
+                },
+                {Bezier, Poly}, {{{0, 0}, {0, 100}, {100, 0}, {100, 0}}, kArrow}),
+      ShapeCase("pie by angles", 2, [](M& m) { m.DrawPieAngle(0, 0, 100, 0, 1.5707964f, 0xFF); },
+                {MetaRecord::Pie}, {{{-100, -100}, {100, 100}, {100, 0}, {0, 100}}}),
+      ShapeCase("circle", 2, [](M& m) { m.DrawCircle(50, -50, 20, 0); }, {Ellipse},
+                {{{30, -70}, {70, -30}}}),
+  };
+  for (const ShapeCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    Metafile meta;
+    ASSERT_TRUE(meta.Create(150, 112, false, QStringLiteral("T"), QString(), c.mapMode));
+    c.draw(meta);
+    const auto& records = meta.Records();
+    ASSERT_EQ(records.size(), c.kinds.size());
+    for (size_t i = 0; i < records.size(); ++i) {
+      EXPECT_EQ(records[i].kind, c.kinds[i]) << "record " << i;
+      EXPECT_EQ(records[i].points, c.points[i]) << "record " << i;
+    }
+  }
+}
 
 TEST(MetafileGeometry, PerCallPenAndCurrentPen) {
   Metafile meta;
@@ -370,6 +302,7 @@ TEST(MetafileClipboard, CopiesTheBitmapThroughTheService) {
   ASSERT_TRUE(meta.CopyToClipboard(200, 0));
   EXPECT_EQ(ui.ui.clipboardImage.size(), QSize(200, 80));
   EXPECT_EQ(ui.ui.clipboardImage.pixel(2, 2), qRgb(255, 0, 0));
+  EXPECT_EQ(ui.ui.clipboardEmf, EmfBytes(*meta.Picture()));
   EXPECT_TRUE(ui.ui.messages.empty());
 }
 
