@@ -1,4 +1,4 @@
-// The drawing surface's own picture files and clipboard.
+// The drawing surface's own picture files.
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -46,12 +46,6 @@ TEST(MetafileSave, EmfAndWmfFilesOfTheSurface) {
   EXPECT_TRUE(scripted.ui.messages.empty());
 }
 
-TEST(MetafileSave, EmptyTitleKeepsOnlyTheApplicationName) {
-  Metafile m;
-  DrawSample(m, "");
-  EXPECT_EQ(EMFDescription(EmfBytes(*m.Picture())), QString("Ombrelle") + QChar(0));
-}
-
 TEST(MetafileSave, NothingToSaveBeforeReady) {
   ScopedScriptedUi scripted;
   QTemporaryDir dir;
@@ -65,11 +59,3 @@ TEST(MetafileSave, NothingToSaveBeforeReady) {
   EXPECT_TRUE(QDir(dir.path()).isEmpty());
 }
 
-TEST(MetafileSave, ClipboardGetsImageAndEmfBytes) {
-  ScopedScriptedUi scripted;
-  Metafile m;
-  DrawSample(m, "Chart");
-  ASSERT_TRUE(m.CopyToClipboard(200, 100));
-  EXPECT_EQ(scripted.ui.clipboardEmf, EmfBytes(*m.Picture()));
-  EXPECT_EQ(scripted.ui.clipboardImage.size(), QSize(200, 100));
-}
