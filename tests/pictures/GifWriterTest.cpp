@@ -130,19 +130,6 @@ TEST(GifWriterTest, TinyOneBitPictureIsByteExact) {
   EXPECT_TRUE(report.contains(QStringLiteral("GIF file terminated normally.")));
 }
 
-TEST(GifWriterTest, OneBitCodesAsTwoBits) {
-  QByteArray out;
-  GifLzwEncoder one(1, out);
-  EXPECT_EQ(one.ClearCode(), 4);
-  EXPECT_EQ(one.InitialWidth(), 3);
-  GifLzwEncoder two(2, out);
-  EXPECT_EQ(two.ClearCode(), 4);
-  EXPECT_EQ(two.InitialWidth(), 3);
-  GifLzwEncoder eight(8, out);
-  EXPECT_EQ(eight.ClearCode(), 256);
-  EXPECT_EQ(eight.InitialWidth(), 9);
-}
-
 TEST(GifWriterTest, TransparencyOnlyForAPaletteColour) {
   IndexedPicture picture{2, 2, 2, {0x0000FF, 0x00FF00, 0xFF0000}, {0, 1, 2, 1}};
   GIFSaver saver;
