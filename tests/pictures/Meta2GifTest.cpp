@@ -84,23 +84,6 @@ TEST(Meta2GifTest, OwnSizeKeepsTheRecordingsColoursAndDescription) {
                          {path, OutDir() + QStringLiteral("/own-size.png")});
 }
 
-TEST(Meta2GifTest, GivenSize) {
-  Metafile meta;
-  Draw(meta);
-  meta.Ready();
-  const QString path = OutDir() + QStringLiteral("/given-size.gif");
-  ScopedScriptedUi scoped;
-  ASSERT_TRUE(Meta2GIF(meta, path, 400, 250));
-  const QString report = test::GiftextReport(path);
-  EXPECT_TRUE(report.contains(QStringLiteral("Width = 400, Height = 250"))) << report.toStdString();
-  EXPECT_TRUE(report.contains(QStringLiteral("Image is Interlaced.")));
-  const QByteArray rgb = test::Gif2RgbPixels(path);
-  EXPECT_EQ(rgb.size(), 400 * 250 * 3);
-  EXPECT_TRUE(rgb == test::ImageMagickRgbPixels(path));
-  test::OutsideReaderOutput(QStringLiteral("convert"),
-                         {path, OutDir() + QStringLiteral("/given-size.png")});
-}
-
 TEST(Meta2GifTest, UnreplaceableFileIsReported) {
   Metafile meta;
   Draw(meta);
@@ -134,12 +117,6 @@ TEST(GifBitmapTest, IndexedBitmapDecodesToItsTable) {
   EXPECT_TRUE(test::ImageMagickRgbPixels(path) == expected);
   EXPECT_EQ(FileBytes(path)[10], char(0xF1));  // four colours in use: two bits
 }
-
-}  // namespace
-}  // namespace ombrelle
-
-namespace ombrelle {
-namespace {
 
 // A list longer than a 4-bit table goes through the octree: the two colours
 // that share the deepest cell merge, the others stay as they are.
