@@ -144,12 +144,6 @@ TEST(MetafilePrint, OnePagePdfWithThePictureCentredAtTheTop) {
   EXPECT_NEAR(left * 2 + 100, 210 - 2 * 10.02 * 25.4 / 72, 0.5);  // A4 less the writer's margins
 }
 
-}  // namespace
-}  // namespace ombrelle
-
-namespace ombrelle {
-namespace {
-
 TEST(MetafilePrint, NoPrinterGivesItsMessage) {
   ScopedScriptedUi ui;
   Metafile meta;
