@@ -15,15 +15,21 @@
 
 namespace ombrelle::test {
 
-void ExpectXmllintAccepts(const QString& path) {
+namespace {
+// xmllint with `options` on `path`: exit status 0 and not a word of complaint.
+void ExpectXmllintQuiet(QStringList options, const QString& path) {
   const QString xmllint = QStandardPaths::findExecutable(QStringLiteral("xmllint"));
   if (xmllint.isEmpty()) GTEST_SKIP() << "xmllint (libxml2-utils) is not installed";
   QProcess process;
-  process.start(xmllint, {QStringLiteral("--noout"), path});
+  process.start(xmllint, options << QStringLiteral("--noout") << path);
   ASSERT_TRUE(process.waitForFinished(60000));
-  EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-  EXPECT_TRUE(process.readAllStandardError().isEmpty());
+  const QByteArray errors = process.readAllStandardError();
+  EXPECT_EQ(process.exitCode(), 0) << errors.toStdString();
+  EXPECT_TRUE(errors.isEmpty()) << errors.toStdString();
 }
+}  // namespace
+
+void ExpectXmllintAccepts(const QString& path) { ExpectXmllintQuiet({}, path); }
 
 int RunOutsideReader(const QString& program, const QStringList& arguments, QString* output) {
   const QString path = QStandardPaths::findExecutable(program);
@@ -66,7 +72,8 @@ void ExpectWmf2SvgAccepts(const QString& wmf, const QString& svg) {
 namespace {
 
 // Runs `program` with `arguments`, feeding `input`; the standard output, or
-// an empty array and a test failure.
+// an empty array and a test failure when it is missing, does not end within a
+// minute or exits with an error.
 QByteArray RunReader(const QString& program, const QStringList& arguments,
                      const QByteArray& input = {}) {
   const QString path = QStandardPaths::findExecutable(program);
@@ -78,8 +85,13 @@ QByteArray RunReader(const QString& program, const QStringList& arguments,
   process.start(path, arguments);
   if (!input.isEmpty()) process.write(input);
   process.closeWriteChannel();
-  if (!process.waitForFinished(60000) || process.exitCode() != 0) {
-    ADD_FAILURE() << program.toStdString()
+  if (!process.waitForFinished(60000)) {
+    ADD_FAILURE() << program.toStdString() << " did not finish";
+    process.kill();
+    return {};
+  }
+  if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
+    ADD_FAILURE() << program.toStdString() << " " << arguments.join(' ').toStdString()
                   << " failed: " << process.readAllStandardError().toStdString();
     return {};
   }
@@ -111,74 +123,32 @@ QImage DecodeWithBmptopnm(const QString& path) {
 }
 
 void ExpectXmllintHtmlAccepts(const QString& path) {
-  const QString xmllint = QStandardPaths::findExecutable(QStringLiteral("xmllint"));
-  if (xmllint.isEmpty()) GTEST_SKIP() << "xmllint (libxml2-utils) is not installed";
-  QProcess process;
-  process.start(xmllint, {QStringLiteral("--html"), QStringLiteral("--noout"), path});
-  ASSERT_TRUE(process.waitForFinished(60000));
-  EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-  const QByteArray errors = process.readAllStandardError();
-  EXPECT_TRUE(errors.isEmpty()) << errors.toStdString();
+  ExpectXmllintQuiet({QStringLiteral("--html")}, path);
 }
 
 QList<QStringList> PythonCsvRows(const QString& path, const QString& delimiter,
                                  const QString& encoding) {
-  QList<QStringList> rows;
-  const QString python = QStandardPaths::findExecutable(QStringLiteral("python3"));
-  if (python.isEmpty()) {
-    ADD_FAILURE() << "python3 is not installed";
-    return rows;
-  }
   // Each row comes back as one line of JSON, so that any character survives.
   const QString script = QStringLiteral(
       "import csv, json, sys\n"
       "with open(sys.argv[1], newline='', encoding=sys.argv[3]) as f:\n"
       "    for row in csv.reader(f, delimiter=sys.argv[2]):\n"
       "        print(json.dumps(row))\n");
-  QProcess process;
-  process.start(python, {QStringLiteral("-c"), script, path, delimiter, encoding});
-  if (!process.waitForFinished(60000)) {
-    ADD_FAILURE() << "python3 did not finish";
-    return rows;
-  }
-  EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-  const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
-  for (const QByteArray& line : lines) {
+  QList<QStringList> rows;
+  const QByteArray out = RunReader(QStringLiteral("python3"),
+                                   {QStringLiteral("-c"), script, path, delimiter, encoding});
+  for (const QByteArray& line : out.split('\n')) {
     if (line.trimmed().isEmpty()) continue;
-    const QJsonArray array = QJsonDocument::fromJson(line).array();
     QStringList row;
-    for (const QJsonValue& value : array) row << value.toString();
+    for (const QJsonValue& value : QJsonDocument::fromJson(line).array()) row << value.toString();
     rows << row;
   }
   return rows;
 }
 
 int WebArchivePictureCount(const QString& path) {
-  const char* script = R"PY(
-import email, email.policy, re, sys, urllib.parse
-m = email.message_from_binary_file(open(sys.argv[1], 'rb'), policy=email.policy.default)
-assert m.get_content_type() == 'multipart/related', m.get_content_type()
-parts = list(m.iter_parts())
-assert parts[0].get_content_type() == 'text/html', parts[0].get_content_type()
-html = parts[0].get_content()
-base = parts[0]['Content-Location'] or ''
-names = {p['Content-Location']: p for p in parts[1:]}
-srcs = re.findall(r'<IMG SRC="([^"]+)"', html, re.I)
-for s in srcs:
-    u = urllib.parse.urljoin(base, s)
-    assert u in names, u
-    assert len(names[u].get_content()) > 0, u
-print(len(srcs))
-)PY";
-  const QByteArray out = OutsideReaderOutput(
-      QStringLiteral("python3"), {QStringLiteral("-c"), QString::fromUtf8(script), path});
-  bool ok = false;
-  const int count = out.trimmed().toInt(&ok);
-  if (!ok) {
-    ADD_FAILURE() << "not a web archive: " << path.toStdString();
-    return -1;
-  }
-  return count;
+  const QStringList images = WebArchiveImages(path);  // the Subject first
+  return images.isEmpty() ? -1 : static_cast<int>(images.size()) - 1;
 }
 
 QString ArtefactPath(const QString& suite, const QString& name) {
@@ -235,44 +205,14 @@ for s in srcs:
 )PY";
   QStringList arguments{QStringLiteral("-c"), QString::fromUtf8(script), mht};
   if (!htmlOut.isEmpty()) arguments << htmlOut;
-  QProcess process;
-  process.start(QStringLiteral("python3"), arguments);
-  if (!process.waitForFinished(60000)) {
-    process.kill();
-    ADD_FAILURE() << "python3 did not finish reading " << mht.toStdString();
-    return {};
-  }
-  if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
-    ADD_FAILURE() << "python3 email rejects " << mht.toStdString() << ": "
-                  << process.readAllStandardError().toStdString();
-    return {};
-  }
-  QStringList lines = QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\n'));
+  QStringList lines =
+      QString::fromUtf8(RunReader(QStringLiteral("python3"), arguments)).split(QLatin1Char('\n'));
   if (!lines.isEmpty() && lines.last().isEmpty()) lines.removeLast();
   return lines;
 }
 
 QByteArray OutsideReaderOutput(const QString& program, const QStringList& arguments) {
-  const QString path = QStandardPaths::findExecutable(program);
-  if (path.isEmpty()) {
-    ADD_FAILURE() << program.toStdString()
-                  << " is not installed (scripts/install-deps.sh test installs it)";
-    return {};
-  }
-  QProcess process;
-  process.start(path, arguments);
-  if (!process.waitForFinished(60000)) {
-    ADD_FAILURE() << program.toStdString() << " did not finish";
-    process.kill();
-    return {};
-  }
-  const QByteArray out = process.readAllStandardOutput();
-  if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
-    ADD_FAILURE() << program.toStdString() << " " << arguments.join(' ').toStdString()
-                  << " failed: " << process.readAllStandardError().toStdString();
-    return {};
-  }
-  return out;
+  return RunReader(program, arguments);
 }
 
 QByteArray Gif2RgbPixels(const QString& path) {

@@ -36,14 +36,12 @@ QImage DecodeWithBmptopnm(const QString& path);
 void ExpectXmllintHtmlAccepts(const QString& path);
 
 // The rows Python's csv module reads from `path` (bytes decoded as
-// `encoding`, fields split at `delimiter`); skips when python3 is missing.
+// `encoding`, fields split at `delimiter`).
 QList<QStringList> PythonCsvRows(const QString& path, const QString& delimiter,
                                  const QString& encoding);
 
-// The number of pictures the HTML part of the web archive `path` shows,
-// read by Python's email package: the archive must be multipart/related
-// with the HTML first, and every IMG source must resolve to a part of the
-// archive that decodes. -1 and a test failure otherwise.
+// The number of pictures the HTML part of the web archive `path` shows, as
+// WebArchiveImages reads them; -1 and a test failure when it is refused.
 int WebArchivePictureCount(const QString& path);
 
 // <build>/test-output/<suite>/<name>, its folder made: where tests keep the
