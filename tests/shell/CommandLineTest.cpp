@@ -71,12 +71,8 @@ TEST(GetCommandLineParams, KeepsTheRestUnparsedBeyondHundredParameters) {
   EXPECT_EQ(params[1], "p1");
   EXPECT_EQ(params[100], "p100");
   EXPECT_EQ(params[101], "\"x  y\" p102  p103");
-}
-
-TEST(GetCommandLineParams, ExactlyHundredParametersHaveNoTail) {
-  const QStringList params = GetCommandLineParams(100, NumberedWords(1, 100).join(' '), "q");
-  EXPECT_EQ(params.size(), 101);
-  EXPECT_EQ(params[100], "p100");
+  // Exactly a hundred: no tail.
+  EXPECT_EQ(GetCommandLineParams(100, NumberedWords(1, 100).join(' '), "q").size(), 101);
 }
 
 TEST(JoinCommandLine, SplitsBackIntoTheSameArguments) {
@@ -96,119 +92,58 @@ TEST(ParseCommandLine, FillsStartupStateFromParameters) {
     CommandLineRequest request;
     const char* input;
     const char* output;
-    bool edit, save, del, silent;
+    const char* modes;  // E edit, S save, D delete input, Q silent
     StartupRoad road;
   };
   using R = CommandLineRequest;
   using Road = StartupRoad;
   const Case cases[] = {
-      {{}, R::Run, "", "", false, false, false, false, Road::MainWindow},
-      {{"a.qvz"}, R::Run, "/base/a.qvz", "", false, false, false, false, Road::MainWindow},
+      {{}, R::Run, "", "", "", Road::MainWindow},
+      {{"a.qvz"}, R::Run, "/base/a.qvz", "", "", Road::MainWindow},
       // A third file name is ignored.
-      {{"a.qvz", "b.xml", "c.txt"},
-       R::Run,
-       "/base/a.qvz",
-       "/base/b.xml",
-       false,
-       false,
-       false,
-       false,
-       Road::MainWindow},
+      {{"a.qvz", "b.xml", "c.txt"}, R::Run, "/base/a.qvz", "/base/b.xml", "", Road::MainWindow},
       // An absolute path is a file name, not a switch.
-      {{"/home/me/a.qvz", "/SAVEXML"},
-       R::Run,
-       "/home/me/a.qvz",
-       "",
-       false,
-       true,
-       false,
-       false,
-       Road::SaveXml},
+      {{"/home/me/a.qvz", "/SAVEXML"}, R::Run, "/home/me/a.qvz", "", "S", Road::SaveXml},
       {{"/savexml", "a.qvz", "out/../b.xml"},
        R::Run,
        "/base/a.qvz",
        "/base/b.xml",
-       false,
-       true,
-       false,
-       false,
+       "S",
        Road::SaveXml},
-      {{"a.qvz", "/SAVEXMLDEL"},
-       R::Run,
-       "/base/a.qvz",
-       "",
-       false,
-       true,
-       true,
-       false,
-       Road::SaveXml},
+      {{"a.qvz", "/SAVEXMLDEL"}, R::Run, "/base/a.qvz", "", "SD", Road::SaveXml},
       {{"/SaveXmlDelS", "a.qvz", "b.xml"},
        R::Run,
        "/base/a.qvz",
        "/base/b.xml",
-       false,
-       true,
-       true,
-       true,
+       "SDQ",
        Road::SaveXml},
       // "/EDIT" wins over an export switch.
-      {{"/EDIT", "/SAVEXML", "a.qvz"},
-       R::Run,
-       "/base/a.qvz",
-       "",
-       true,
-       true,
-       false,
-       false,
-       Road::EditHeader},
-      {{"a.qvz", "/edit"}, R::Run, "/base/a.qvz", "", true, false, false, false, Road::EditHeader},
+      {{"/EDIT", "/SAVEXML", "a.qvz"}, R::Run, "/base/a.qvz", "", "ES", Road::EditHeader},
+      {{"a.qvz", "/edit"}, R::Run, "/base/a.qvz", "", "E", Road::EditHeader},
       // Unknown switches are accepted and do nothing.
-      {{"/FOO", "x.qvz", "/", "/savexmlx"},
-       R::Run,
-       "/base/x.qvz",
-       "",
-       false,
-       false,
-       false,
-       false,
-       Road::MainWindow},
+      {{"/FOO", "x.qvz", "/", "/savexmlx"}, R::Run, "/base/x.qvz", "", "", Road::MainWindow},
       // An empty name leaves its slot empty for the next one.
-      {{"", "b.qvz"}, R::Run, "/base/b.qvz", "", false, false, false, false, Road::MainWindow},
-      {{"../up/x.qvz"}, R::Run, "/up/x.qvz", "", false, false, false, false, Road::MainWindow},
+      {{"", "b.qvz"}, R::Run, "/base/b.qvz", "", "", Road::MainWindow},
+      {{"../up/x.qvz"}, R::Run, "/up/x.qvz", "", "", Road::MainWindow},
       // Usage stops the parse: what follows has no effect.
-      {{"a.qvz", "/?", "/EDIT", "b.xml"},
-       R::ShowUsage,
-       "/base/a.qvz",
-       "",
-       false,
-       false,
-       false,
-       false,
-       Road::MainWindow},
-      {{"-h", "/EDIT"}, R::ShowUsage, "", "", false, false, false, false, Road::MainWindow},
-      {{"--help"}, R::ShowUsage, "", "", false, false, false, false, Road::MainWindow},
-      {{"--version", "/SAVEXML"},
-       R::ShowVersion,
-       "",
-       "",
-       false,
-       false,
-       false,
-       false,
-       Road::MainWindow},
+      {{"a.qvz", "/?", "/EDIT", "b.xml"}, R::ShowUsage, "/base/a.qvz", "", "", Road::MainWindow},
+      {{"-h", "/EDIT"}, R::ShowUsage, "", "", "", Road::MainWindow},
+      {{"--help"}, R::ShowUsage, "", "", "", Road::MainWindow},
+      {{"--version", "/SAVEXML"}, R::ShowVersion, "", "", "", Road::MainWindow},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(Joined(c.params));
     StartupState state;
     const CommandLineRequest request =
         ParseCommandLine(QStringList{"/usr/bin/qvzview"} + c.params, state, "/base");
+    const QString modes = QString::fromLatin1(c.modes);
     EXPECT_EQ(request, c.request);
     EXPECT_EQ(state.InputFile.toStdString(), c.input);
     EXPECT_EQ(state.OutputFile.toStdString(), c.output);
-    EXPECT_EQ(state.EditMode, c.edit);
-    EXPECT_EQ(state.SaveMode, c.save);
-    EXPECT_EQ(state.DeleteInput, c.del);
-    EXPECT_EQ(state.SilentMode, c.silent);
+    EXPECT_EQ(state.EditMode, modes.contains('E'));
+    EXPECT_EQ(state.SaveMode, modes.contains('S'));
+    EXPECT_EQ(state.DeleteInput, modes.contains('D'));
+    EXPECT_EQ(state.SilentMode, modes.contains('Q'));
     EXPECT_EQ(ChooseRoad(state), c.road);
   }
 }
