@@ -34,13 +34,17 @@ TEST_F(PageModelTest, StartOpensAllAnalysesWithTheDateColumnFixed) {
   EXPECT_FALSE(model->Combo(PageCombo::Analysis).Visible());
   EXPECT_FALSE(model->Combo(PageCombo::CompareClass).Visible());
   // The combos carry their fixed lists.
-  QStringList classes;
-  for (int i = 0; i < model->Combo(PageCombo::CompareClass).ListCount(); ++i)
-    classes << model->Combo(PageCombo::CompareClass).List(i);
-  EXPECT_EQ(classes,
+  const auto items = [&](PageCombo combo) {
+    QStringList texts;
+    for (int i = 0; i < model->Combo(combo).ListCount(); ++i) texts << model->Combo(combo).List(i);
+    return texts;
+  };
+  EXPECT_EQ(items(PageCombo::CompareClass),
             QStringList({"Entire analysis", "File:", "Class:", "Procedure:", "Variable:"}));
-  EXPECT_EQ(model->Combo(PageCombo::ProjectInTimeStyle).List(3),
-            QString::fromUtf8("Change/day (\u00B1/d)"));
+  EXPECT_EQ(items(PageCombo::ProjectInTimeStyle),
+            QStringList({"Metric value", "Change (+/-)", "Relative change (%)",
+                         QString::fromUtf8("Change/day (\u00B1/d)"),
+                         QString::fromUtf8("Change/month (\u00B1/m)")}));
   EXPECT_GT(model->Combo(PageCombo::MetricLimit).ListCount(), 0);
   EXPECT_GT(model->Combo(PageCombo::MetricSelection).ListCount(), 0);
   EXPECT_TRUE(scripted.ui.messages.empty());
@@ -54,30 +58,29 @@ TEST_F(PageModelTest, PageEntrySequenceWithEachTimeStyleAndCompareClass) {
   };
   const Marks marks[] = {{"", ""}, {"\u00B1", ""}, {"%", ""}, {"\u00B1", "/d"}, {"\u00B1", "/m"}};
   const int billingSaves = SavesOf(QStringLiteral("Billing"));
+  const MetricRead& reader = model->Reader();
+  const int firstDatabase = model->CurrentDatabase();
+  ASSERT_TRUE(reader.Database(firstDatabase).Title.startsWith("Billing"));
+
+  model->TabClicked(3);
+  EXPECT_EQ(model->CurrentDatabase(), firstDatabase);
+  EXPECT_EQ(model->Pages(3).Rows, reader.GetClassSize(ClassFile));
+  EXPECT_EQ(grid->FixedColumns(), 1);
+  EXPECT_EQ(grid->SortColumn(), 1);
+  EXPECT_EQ(grid->ColumnCaption(1), "File");
+  EXPECT_TRUE(model->Combo(PageCombo::Analysis).Visible());
+  EXPECT_FALSE(model->Combo(PageCombo::ProjectInTimeStyle).Visible());
+
+  model->TabClicked(5);
+  EXPECT_EQ(model->Pages(5).Rows, reader.GetClassSize(ClassProcedure));
+  EXPECT_EQ(grid->ColumnCaption(1), "Procedure");
+  // A reload on an item page throws the other pages away.
+  EXPECT_FALSE(model->Pages(3).Loaded);
+
+  model->TabClicked(2);
   for (int style = 0; style <= 4; ++style) {
     for (int compareClass = 0; compareClass <= 4; ++compareClass) {
       SCOPED_TRACE(testing::Message() << "style " << style << " class " << compareClass);
-      StartModel();
-      const MetricRead& reader = model->Reader();
-      const int firstDatabase = model->CurrentDatabase();
-      ASSERT_TRUE(reader.Database(firstDatabase).Title.startsWith("Billing"));
-
-      model->TabClicked(3);
-      EXPECT_EQ(model->CurrentDatabase(), firstDatabase);
-      EXPECT_EQ(model->Pages(3).Rows, reader.GetClassSize(ClassFile));
-      EXPECT_EQ(grid->FixedColumns(), 1);
-      EXPECT_EQ(grid->SortColumn(), 1);
-      EXPECT_EQ(grid->ColumnCaption(1), "File");
-      EXPECT_TRUE(model->Combo(PageCombo::Analysis).Visible());
-      EXPECT_FALSE(model->Combo(PageCombo::ProjectInTimeStyle).Visible());
-
-      model->TabClicked(5);
-      EXPECT_EQ(model->Pages(5).Rows, reader.GetClassSize(ClassProcedure));
-      EXPECT_EQ(grid->ColumnCaption(1), "Procedure");
-      // A reload on an item page throws the other pages away.
-      EXPECT_FALSE(model->Pages(3).Loaded);
-
-      model->TabClicked(2);
       model->ChooseComboItem(PageCombo::ProjectInTimeStyle, style);
       model->ChooseComboItem(PageCombo::CompareClass, compareClass);
       EXPECT_EQ(model->TimeStyle(), style);
