@@ -204,29 +204,6 @@ TEST_F(PageModelTest, RedCellsOnlyWhereValuesBreakTheirRule) {
   EXPECT_GT(redsSeen, 0);
 }
 
-TEST_F(PageModelTest, NoLimitsNoRed) {
-  model->TabClicked(5);
-  MetricLimits::SetCurrentLimitID(LimitSet::None);
-  model->FillLimitCombo();
-  ASSERT_EQ(model->Combo(PageCombo::MetricLimit)
-                .ItemData(model->Combo(PageCombo::MetricLimit).ListIndex()),
-            LimitSet::None);
-  model->Panel().UpdateLimitView();
-  for (int row = 1; row <= grid->Rows(); ++row)
-    for (int column = 2; column <= grid->Columns(); ++column)
-      ASSERT_NE(Cell(row, column).second, kRed) << row << "," << column;
-  // Choosing the default set again brings the reds back.
-  const ListModel& limits = model->Combo(PageCombo::MetricLimit);
-  for (int i = 0; i < limits.ListCount(); ++i)
-    if (limits.ItemData(i) == LimitSet::Default) model->ChooseComboItem(PageCombo::MetricLimit, i);
-  EXPECT_EQ(MetricLimits::GetCurrentLimitID(), LimitSet::Default);
-  int reds = 0;
-  for (int row = 1; row <= grid->Rows(); ++row)
-    for (int column = 2; column <= grid->Columns(); ++column)
-      reds += Cell(row, column).second == kRed;
-  EXPECT_GT(reds, 0);
-}
-
 TEST_F(PageModelTest, ColumnWidthsComeFromTheTexts) {
   model->TabClicked(3);
   // The widest file name sets the header column, never below 240.
