@@ -134,18 +134,6 @@ TEST_F(PageModelTest, PanelOfABlankSeriesKeepsItsLimits) {
   EXPECT_EQ(t.Problematic, "0");
 }
 
-TEST_F(PageModelTest, PanelOfNineFilesHasNoOutliers) {
-  model->TabClicked(3);
-  model->ChooseComboItem(PageCombo::Analysis,
-                         ItemStartingWith(model->Combo(PageCombo::Analysis), "Billing 2.2"));
-  ASSERT_EQ(model->Pages(3).Rows, 9);
-  CursorOnMetric(2001);
-  EXPECT_EQ(model->Panel().Texts().Count, "9");
-  EXPECT_EQ(model->Panel().Texts().Outliers, "-");
-  EXPECT_EQ(model->Panel().Texts().ExtremeOutliers, "-");
-  EXPECT_NE(model->Panel().Texts().Avg, "");
-}
-
 TEST_F(PageModelTest, PanelLimitLabelsFollowTheLimitSet) {
   model->TabClicked(5);
   CursorOnMetric(4001);
