@@ -155,20 +155,6 @@ TEST_F(TableExportTest, GoldenExportsOfEveryKindRotatedAndNot) {
   EXPECT_TRUE(m_scripted.ui.messages.empty());
 }
 
-TEST_F(TableExportTest, CsvReadsBackWithTheDescribedCells) {
-  const QList<QStringList> rows =
-      test::PythonCsvRows(Export(QStringLiteral("readback.csv"), ExportKind::Csv),
-                          QStringLiteral(","), QStringLiteral("cp1252"));
-  ASSERT_EQ(rows.size(), 4);
-  EXPECT_EQ(rows[0].mid(0, 3), (QStringList{"Procedure", "LINES", "CC"}));
-  // Rows in header order; "&" encoded, the comma of a name splits it, the
-  // German letters as numeric references, whole numbers and decimals plain.
-  EXPECT_EQ(rows[1].mid(0, 3), (QStringList{"Gr&#246;&#223;e", "250", "12"}));
-  EXPECT_EQ(rows[2].mid(0, 4), (QStringList{"Main &amp; Init", " start", "10", "1"}));
-  EXPECT_EQ(rows[3].mid(0, 3), (QStringList{"zeta[1]", "3", "2"}));
-  EXPECT_EQ(rows[2].size(), rows[1].size() + 1);
-}
-
 TEST_F(TableExportTest, TheCursorColumnPlaysNoPart) {
   const QByteArray first =
       WithoutTime(ReadBytes(Export(QStringLiteral("cursor-a.htm"), ExportKind::Html)));
