@@ -11,8 +11,8 @@
 #include "common/OutsideReaders.h"
 #include "core/ListModel.h"
 #include "pictures/Bitmap.h"
-#include "pictures/Metafile.h"
 #include "pictures/MetaRecord.h"
+#include "pictures/Metafile.h"
 #include "shell/ChartCommands.h"
 #include "shell/PageModelFixture.h"
 #include "support/FormatNum.h"
@@ -279,19 +279,15 @@ TEST_F(ChartCommandsTest, TimeChartOfAPresetRunsInRisingDate) {
   EXPECT_EQ(stepped->ChartType(), 5);
 }
 
-TEST_F(ChartCommandsTest, CorrelationTextRefusalsInOrder) {
+TEST_F(ChartCommandsTest, CorrelationMatrixHasHeadersAtBothEndsAndMarksOnlyNegatives) {
   ChartCommands commands(*model);
+  // Refused on the page of all analyses, the old texts emptied.
   QString matrix = "old", list = "old";
   EXPECT_FALSE(commands.CorrelationText(false, matrix, list));
-  EXPECT_TRUE(matrix.isEmpty());
-  EXPECT_TRUE(list.isEmpty());
+  EXPECT_TRUE(matrix.isEmpty() && list.isEmpty());
   EXPECT_EQ(
       Warnings(),
       QStringList{"Correlation analysis is not available on this page. See help for explanation."});
-}
-
-TEST_F(ChartCommandsTest, CorrelationMatrixHasHeadersAtBothEndsAndMarksOnlyNegatives) {
-  ChartCommands commands(*model);
   model->TabClicked(4);
   QString screen, screenList, report, reportList;
   ASSERT_TRUE(commands.CorrelationText(false, screen, screenList));
