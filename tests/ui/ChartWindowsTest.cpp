@@ -35,6 +35,7 @@
 #include "shell/ui/frmSelectManyMetrics.h"
 #include "support/ScriptedUiServices.h"
 #include "support/SettingsStore.h"
+#include "ui/WindowFixture.h"
 
 namespace ombrelle {
 namespace {
@@ -42,10 +43,6 @@ namespace {
 constexpr int kProjectInTime = 2;
 constexpr int kProcedures = 5;
 constexpr MetricId kProcedureLines = 4001;  // has a limit in the default set
-
-void ProcessEvents() {
-  for (int i = 0; i < 3; ++i) QApplication::processEvents();
-}
 
 QString Artefact(const QString& name) { return test::ArtefactPath("ChartWindows", name); }
 
@@ -65,26 +62,19 @@ void AnswerMetricDialogSoon() {
   });
 }
 
-class ChartWindows : public ::testing::Test {
+class ChartWindows : public WindowTest {
  protected:
   void SetUp() override {
-    ASSERT_TRUE(m_dir.isValid());
-    m_previousSettings = SettingsFilePath();
-    SetSettingsFilePath(m_dir.filePath(QStringLiteral("settings.ini")));
-    SaveSetting(QStringLiteral("Databases"), QStringLiteral("path1"),
-                QStringLiteral(OMBRELLE_BUILD_DIR "/sample"));
+    WindowTest::SetUp();
     Startup().DisplayCharts = true;
     MetricLimits::SetCurrentLimitID(LimitSet::Default);
-    m_window = std::make_unique<frmMetrics>();
-    m_window->Load(QString(), false);
-    ProcessEvents();
+    Open();
     ShowPage(kProcedures);
     m_scripted = std::make_unique<ScopedScriptedUi>();
   }
   void TearDown() override {
     m_scripted.reset();
-    m_window.reset();
-    SetSettingsFilePath(m_previousSettings);
+    WindowTest::TearDown();
   }
 
   // Shows `page` with the cursor on the procedure lines where there are.
@@ -96,23 +86,12 @@ class ChartWindows : public ::testing::Test {
     ProcessEvents();
   }
 
-  void Trigger(const char* entry) {
-    QAction* action = m_window->MenuEntry(QString::fromLatin1(entry));
-    ASSERT_NE(action, nullptr) << entry;
-    ASSERT_TRUE(action->isEnabled()) << entry;
-    action->trigger();
-    ProcessEvents();
-  }
-
   // The one picture window open; the tests delete each when done.
   MetaForm* NewForm() {
     const QList<MetaForm*> forms = m_window->findChildren<MetaForm*>();
     return forms.size() == 1 ? forms[0] : nullptr;
   }
 
-  QTemporaryDir m_dir;
-  QString m_previousSettings;
-  std::unique_ptr<frmMetrics> m_window;
   std::unique_ptr<ScopedScriptedUi> m_scripted;
 };
 
