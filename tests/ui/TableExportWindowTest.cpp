@@ -26,6 +26,7 @@
 #include "support/ScriptedUiServices.h"
 #include "support/SettingsStore.h"
 #include "support/ui/QtUiServices.h"
+#include "ui/WindowFixture.h"
 
 namespace ombrelle {
 namespace {
@@ -44,42 +45,19 @@ QString ReadAnsi(const QString& path) {
                                         : QString();
 }
 
-void ProcessEvents() {
-  for (int i = 0; i < 3; ++i) QApplication::processEvents();
-}
-
-class TableExportWindow : public ::testing::Test {
+class TableExportWindow : public WindowTest {
  protected:
   void SetUp() override {
-    ASSERT_TRUE(m_dir.isValid());
-    m_previousSettings = SettingsFilePath();
-    SetSettingsFilePath(m_dir.filePath(QStringLiteral("settings.ini")));
-    SaveSetting(QStringLiteral("Databases"), QStringLiteral("path1"),
-                QStringLiteral(OMBRELLE_BUILD_DIR "/sample"));
+    WindowTest::SetUp();
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     TableExport::ResetRunState();
-    m_window = std::make_unique<frmMetrics>();
-    m_window->Load(QString(), false);
-    ProcessEvents();
-    m_window->Tabs().setCurrentIndex(kProcedures);
-    ProcessEvents();
+    Open();
+    ClickTab(kProcedures);
   }
   void TearDown() override {
-    m_window.reset();
+    WindowTest::TearDown();
     QLocale::setDefault(QLocale::c());
-    SetSettingsFilePath(m_previousSettings);
   }
-
-  void Trigger(const char* entry) {
-    QAction* action = m_window->MenuEntry(QString::fromLatin1(entry));
-    ASSERT_NE(action, nullptr) << entry;
-    action->trigger();
-    ProcessEvents();
-  }
-
-  QTemporaryDir m_dir;
-  QString m_previousSettings;
-  std::unique_ptr<frmMetrics> m_window;
 };
 
 TEST_F(TableExportWindow, ExportsTheProceduresPageInThreeKindsAndCopiesIt) {
