@@ -31,6 +31,7 @@
 #include "shell/ui/frmMetrics.h"
 #include "support/ScriptedUiServices.h"
 #include "support/SettingsStore.h"
+#include "ui/WindowFixture.h"
 
 namespace ombrelle {
 namespace {
@@ -43,10 +44,6 @@ QString OutputFolder() {
   const QString folder = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/LimitDialogs");
   QDir().mkpath(folder);
   return folder;
-}
-
-void ProcessEvents() {
-  for (int i = 0; i < 3; ++i) QApplication::processEvents();
 }
 
 void Shoot(QWidget& widget, const QString& name) {
@@ -120,44 +117,15 @@ std::vector<MetricLimitRule> RulesOf(std::int32_t set) {
   return rules;
 }
 
-class LimitDialogsWindow : public ::testing::Test {
+class LimitDialogsWindow : public WindowTest {
  protected:
   void SetUp() override {
     if (QGuiApplication::platformName() != QStringLiteral("xcb"))
       GTEST_SKIP() << "runs on a display: ctest -R LimitDialogsOnXvfb";
-    ASSERT_TRUE(m_dir.isValid());
-    m_previousSettings = SettingsFilePath();
-    SetSettingsFilePath(m_dir.filePath(QStringLiteral("settings.ini")));
-    const QDir samples(QStringLiteral(OMBRELLE_BUILD_DIR "/sample"));
-    const QStringList files = samples.entryList({QStringLiteral("*.qvz")}, QDir::Files);
-    ASSERT_GE(files.size(), 3) << "sample databases missing";
-    QDir().mkpath(m_dir.filePath(QStringLiteral("sample")));
-    for (const QString& file : files)
-      ASSERT_TRUE(QFile::copy(samples.filePath(file), m_dir.filePath("sample/" + file)));
-    SaveSetting(QStringLiteral("Databases"), QStringLiteral("path1"),
-                m_dir.filePath(QStringLiteral("sample")));
-    m_savedState = Startup();
-    m_window = std::make_unique<frmMetrics>();
-    m_window->Load(QString(), false);
-    ProcessEvents();
-    m_window->Tabs().setCurrentIndex(kProcedures);
-    ProcessEvents();
+    WindowTest::SetUp();
+    Open();
+    ClickTab(kProcedures);
     ASSERT_EQ(m_window->Model().CurrentPage(), kProcedures);
-  }
-
-  void TearDown() override {
-    m_window.reset();
-    if (!m_previousSettings.isNull()) {
-      Startup() = m_savedState;
-      SetSettingsFilePath(m_previousSettings);
-    }
-  }
-
-  void Trigger(const char* entry) {
-    QAction* action = m_window->MenuEntry(QString::fromLatin1(entry));
-    ASSERT_NE(action, nullptr) << entry;
-    action->trigger();
-    ProcessEvents();
   }
 
   // The grid column of `metric` on the page, 0 when it has none.
@@ -174,11 +142,7 @@ class LimitDialogsWindow : public ::testing::Test {
     return colour;
   }
 
-  QTemporaryDir m_dir;
-  QString m_previousSettings;
-  StartupState m_savedState;
   ScopedScriptedUi m_scripted;
-  std::unique_ptr<frmMetrics> m_window;
 };
 
 TEST_F(LimitDialogsWindow, NewSetTurnsAValueRedAndTravelsThroughAnMtlFile) {
