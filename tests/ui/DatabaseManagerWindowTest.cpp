@@ -30,6 +30,7 @@
 #include "support/SelectFolder.h"
 #include "support/SettingsStore.h"
 #include "support/ui/SelectFolderDialog.h"
+#include "ui/WindowFixture.h"
 
 namespace ombrelle {
 namespace {
@@ -69,25 +70,21 @@ TEST(DatabaseManagerXvfb, RunsTheWindowTestUnderXvfb) {
   EXPECT_TRUE(output.contains("[  PASSED  ] 2 tests")) << output.toStdString();
 }
 
-TEST(DatabaseManagerWindow, RenameDeleteEditThenTheMainWindowList) {
-  if (!qEnvironmentVariableIsSet(kInnerFlag)) GTEST_SKIP() << "runs under xvfb-run";
-  ASSERT_EQ(QGuiApplication::platformName(), QStringLiteral("xcb"));
-  QTemporaryDir dir;
-  const QString previous = SettingsFilePath();
-  SetSettingsFilePath(dir.filePath(QStringLiteral("settings.ini")));
-  const QDir samples(QStringLiteral(OMBRELLE_BUILD_DIR "/sample"));
-  QStringList files = samples.entryList({QStringLiteral("*.qvz")}, QDir::Files, QDir::Name);
-  ASSERT_GE(files.size(), 3);
-  const QDir folder(dir.filePath(QStringLiteral("sample")));
-  QDir().mkpath(folder.path());
-  for (const QString& file : files)
-    ASSERT_TRUE(QFile::copy(samples.filePath(file), folder.filePath(file)));
-  SaveSetting(QStringLiteral("Databases"), QStringLiteral("path1"), folder.path());
-  const StartupState saved = Startup();
+// The window tests' start, inside the run under xvfb-run only.
+class DatabaseManagerWindow : public WindowTest {
+ protected:
+  void SetUp() override {
+    if (!qEnvironmentVariableIsSet(kInnerFlag)) GTEST_SKIP() << "runs under xvfb-run";
+    WindowTest::SetUp();
+  }
+};
 
+TEST_F(DatabaseManagerWindow, RenameDeleteEditThenTheMainWindowList) {
+  ASSERT_EQ(QGuiApplication::platformName(), QStringLiteral("xcb"));
+  const QStringList& files = m_sampleFiles;
+  const QDir folder(m_dir.filePath(QStringLiteral("sample")));
   ScopedScriptedUi ui;
-  auto window = std::make_unique<frmMetrics>();
-  window->Load(QString(), false);
+  frmMetrics& window = Open();
   Settle();
 
   const QString renamedFrom = files[0], deleted = files[1], edited = files[2];
@@ -142,7 +139,7 @@ TEST(DatabaseManagerWindow, RenameDeleteEditThenTheMainWindowList) {
     Shot(*manager, QStringLiteral("manager-after"));
     manager->findChild<QPushButton*>(QStringLiteral("bClose"))->click();
   });
-  window->MenuEntry(QStringLiteral("mFileDatabases"))->trigger();
+  window.MenuEntry(QStringLiteral("mFileDatabases"))->trigger();
   Settle();
   EXPECT_TRUE(managerSeen);
   EXPECT_TRUE(editorSeen);
@@ -161,7 +158,7 @@ TEST(DatabaseManagerWindow, RenameDeleteEditThenTheMainWindowList) {
   EXPECT_EQ(ui.ui.messages[1].text, QStringLiteral("Give a title."));
 
   // The main window's list, made anew on return.
-  MetricRead& list = window->Model().Reader();
+  MetricRead& list = window.Model().Reader();
   EXPECT_EQ(list.DatabaseCount(), files.size() - 1);
   QStringList paths, names;
   for (int i = 1; i <= list.DatabaseCount(); ++i) {
@@ -172,18 +169,13 @@ TEST(DatabaseManagerWindow, RenameDeleteEditThenTheMainWindowList) {
   EXPECT_FALSE(paths.contains(folder.filePath(deleted)));
   EXPECT_TRUE(names.filter(QStringLiteral("Edited in the window test")).size() == 1)
       << names.join(u'|').toStdString();
-  EXPECT_EQ(window->Model().SelectedTab(), 0);
-  Shot(*window, QStringLiteral("main-after"));
-
-  window.reset();
-  Startup() = saved;
-  SetSettingsFilePath(previous);
+  EXPECT_EQ(window.Model().SelectedTab(), 0);
+  Shot(window, QStringLiteral("main-after"));
 }
 
 // The folder chooser of a target that is to be empty: the warning shows for a
 // folder with files, "&Select" on a name that is no folder keeps it open.
-TEST(DatabaseManagerWindow, FolderChooser) {
-  if (!qEnvironmentVariableIsSet(kInnerFlag)) GTEST_SKIP() << "runs under xvfb-run";
+TEST_F(DatabaseManagerWindow, FolderChooser) {
   QTemporaryDir dir;
   QFile file(dir.filePath(QStringLiteral("held.txt")));
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
