@@ -10,56 +10,23 @@
 #include <QTemporaryDir>
 
 #include "common/OutsideReaders.h"
+#include "common/ProgramRun.h"
 
 namespace ombrelle::test {
 namespace {
 
-QString ProgramPath() { return QStringLiteral(OMBRELLE_BUILD_DIR "/qvzview"); }
 QString Sample(const char* name) {
   return QStringLiteral(OMBRELLE_BUILD_DIR "/sample/") + QString::fromUtf8(name);
 }
 const char* const kHarbour = "2025-12-15 Harbour.qvz";
 const char* const kOlderHarbour = "2025-10-06 Harbour.qvz";
 
-struct RunResult {
-  int exitCode = -1;
-  QString err;
-};
-
-// Runs `program` in `folder` without a display; settings and runtime
-// folders are the test's own.
-RunResult RunProgram(const QString& program, const QStringList& arguments, const QString& folder) {
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.remove(QStringLiteral("DISPLAY"));
-  environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-  environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
-  environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-  const QString runtime = QDir::temp().filePath(QStringLiteral("runtime"));
-  QDir().mkpath(runtime);
-  QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-  environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime);
-  QProcess process;
-  process.setProcessEnvironment(environment);
-  process.setWorkingDirectory(folder);
-  process.start(program, arguments);
-  RunResult run;
-  if (!process.waitForFinished(120000)) {
-    process.kill();
-    process.waitForFinished();
-    ADD_FAILURE() << "qvzview did not finish";
-    return run;
-  }
-  run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-  run.err = QString::fromUtf8(process.readAllStandardError());
-  return run;
-}
-
 class BatchReports : public ::testing::Test {
  protected:
-  void SetUp() override { ASSERT_TRUE(QFile::exists(ProgramPath())) << "qvzview is not built"; }
+  void SetUp() override { ASSERT_TRUE(QFile::exists(BuiltProgram())) << "qvzview is not built"; }
   QString Path(const QString& name) const { return m_dir.filePath(name); }
-  RunResult Qvzview(const QStringList& arguments) {
-    return RunProgram(ProgramPath(), arguments, m_dir.path());
+  ProgramRun Qvzview(const QStringList& arguments) {
+    return RunWithoutDisplay(BuiltProgram(), arguments, m_dir.path());
   }
   QStringList Files() const {
     return QDir(m_dir.path()).entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
@@ -126,7 +93,7 @@ TEST_F(BatchReports, EachFileKindIsWrittenAndReadByItsOutsideReader) {
   for (const KindCase& c : cases) {
     SCOPED_TRACE(c.output);
     const QString output = Path(QString::fromLatin1(c.output));
-    const RunResult run = Qvzview(QStringList{Sample(kHarbour), output} << c.switches);
+    const ProgramRun run = Qvzview(QStringList{Sample(kHarbour), output} << c.switches);
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.err.toStdString(), "");
     ASSERT_TRUE(QFile::exists(output));
@@ -221,7 +188,7 @@ TEST_F(BatchReports, BadInputTellsWhyEndsWithOneAndWritesNothing) {
   };
   for (const BadCase& c : cases) {
     SCOPED_TRACE(c.arguments.join(' ').toStdString());
-    const RunResult run = Qvzview(c.arguments);
+    const ProgramRun run = Qvzview(c.arguments);
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.err.trimmed().split('\n').last().toStdString(), c.message)
         << run.err.toStdString();
@@ -235,7 +202,7 @@ TEST_F(BatchReports, BadInputTellsWhyEndsWithOneAndWritesNothing) {
   ASSERT_TRUE(old.open(QIODevice::WriteOnly));
   old.write("old");
   old.close();
-  const RunResult run = Qvzview({in, "pie.png", "/CHART:pie:proc.CC", "/LIMIT:<No limits>"});
+  const ProgramRun run = Qvzview({in, "pie.png", "/CHART:pie:proc.CC", "/LIMIT:<No limits>"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.err.toStdString(),
             "No limit for selected metric.\nqvzview: No chart: nothing "
@@ -265,10 +232,11 @@ TEST_F(BatchReports, InstallIntoATemporaryPrefixRunsOnItsOwnSamples) {
   const QString program = prefix + QStringLiteral("/bin/qvzview");
   const QString sample = prefix + QStringLiteral("/share/ombrelle/sample/") + kHarbour;
   ASSERT_TRUE(QFile::exists(sample));
-  RunResult run = RunProgram(program, {sample, Path("installed.xml"), "/SAVEXML"}, m_dir.path());
+  ProgramRun run =
+      RunWithoutDisplay(program, {sample, Path("installed.xml"), "/SAVEXML"}, m_dir.path());
   EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
   ExpectXmllintAccepts(Path("installed.xml"));
-  run = RunProgram(program, {sample, Path("installed.mht"), "/STATUS"}, m_dir.path());
+  run = RunWithoutDisplay(program, {sample, Path("installed.mht"), "/STATUS"}, m_dir.path());
   EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
   EXPECT_GE(WebArchivePictureCount(Path("installed.mht")), 2);
 
