@@ -160,24 +160,6 @@ TEST_F(LimitsSettingsTest, BuiltInSetsAreNeverSaved) {
   EXPECT_TRUE(GetAllSettings(QStringLiteral("Limits\\-1")).empty());
 }
 
-TEST_F(LimitsSettingsTest, LoadKeepsWhatItCanOfAHandEditedSet) {
-  WriteSetHead(2, QStringLiteral("Edited"), QStringLiteral("1.0"), QStringLiteral("5"));
-  WriteRule(2, 1, QStringLiteral("4120"), QStringLiteral("0"), {{"Limit", "12"}});
-  WriteRule(2, 2, QStringLiteral("4120"), QStringLiteral("7"), {{"Limit", "3"}});  // unknown type
-  WriteRule(2, 3, QStringLiteral("9999"), QStringLiteral("0"), {{"Limit", "3"}});  // unknown metric
-  WriteRule(2, 4, QStringLiteral("1014"), QStringLiteral("1"),
-            {{"LimitMin", ".1"}, {"LimitMax", "abc"}});
-  // Rule5 is missing: it reads as metric 0 of type -1 and goes.
-
-  MetricLimits limits;
-  ASSERT_TRUE(limits.Load(2));
-  EXPECT_EQ(limits.GetName(), QStringLiteral("Edited"));
-  EXPECT_EQ(Rules(limits), (std::vector<MetricLimitRule>{{4120, 0, 12, 0}, {1014, 1, 0.1, 0}}));
-  // The store is not touched by loading.
-  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\2\\Rule2"), QStringLiteral("LimitType")),
-            QStringLiteral("7"));
-}
-
 TEST_F(LimitsSettingsTest, NegativeRuleCountAndMissingNameReadAsDefaults) {
   SaveSetting(QStringLiteral("Limits\\4"), QStringLiteral("Version"), QStringLiteral("1.0"));
   SaveSetting(QStringLiteral("Limits\\4"), QStringLiteral("Rules"), QStringLiteral("-3"));
