@@ -13,6 +13,7 @@
 #include "common/QvzFixture.h"
 #include "core/ListModel.h"
 #include "core/MetricRead.h"
+#include "core/MetricReadTestSupport.h"
 #include "core/MetricSave.h"
 #include "core/QVZEditModel.h"
 #include "core/QVZRead.h"
@@ -35,22 +36,12 @@ class HeaderEdit : public ::testing::Test {
   // A written database with rows and values behind the header.
   QString Written() {
     const QString path = Path(QStringLiteral("written.qvz"));
-    MetricSave save;
-    EXPECT_TRUE(save.SaveDatabase(path, QStringLiteral("Old title"), QStringLiteral("old/project"),
-                                  DateSerial(2023, 6, 1) + TimeSerial(8, 30, 0)));
-    save.AddClass(1, 3, {"b.c", "a.c", "c.c"});
-    save.AddMetricToClass(2001);
-    save.AddMetricToClass(2015);
-    save.ClassDone();
-    EXPECT_TRUE(save.SaveClasses());
-    for (const std::vector<double>& values :
-         {std::vector<double>{1, 500, 70000}, std::vector<double>{0.1, 0.5, 0.9}}) {
-      CStats s;
-      s.Init(3);
-      for (double v : values) s.AddValue(v);
-      EXPECT_TRUE(save.SaveSeries(s));
-    }
-    EXPECT_TRUE(save.Close());
+    test::SaveSpec spec{QStringLiteral("Old title"),
+                        QStringLiteral("old/project"),
+                        DateSerial(2023, 6, 1) + TimeSerial(8, 30, 0),
+                        {}};
+    spec.classes = {{1, {"b.c", "a.c", "c.c"}, {{2001, {1, 500, 70000}}, {2015, {0.1, 0.5, 0.9}}}}};
+    EXPECT_TRUE(test::WriteSave(path, spec));
     DeleteSettingsTree(QStringLiteral("Databases"));  // the writer remembered the folder
     return path;
   }

@@ -9,6 +9,7 @@
 
 #include "common/MessageAssertions.h"
 #include "common/QvzFixture.h"
+#include "core/MetricReadTestSupport.h"
 #include "core/MetricSave.h"
 #include "core/QVZFormat.h"
 #include "core/QVZRead.h"
@@ -28,7 +29,7 @@ CStats Series(const std::vector<double>& values) {
   return s;
 }
 
-// One class to write: its rows and its series (metric id and values).
+// One class to write: its row count, its names and its series.
 struct ClassPlan {
   int classNr;
   int32_t itemCount;
@@ -37,23 +38,13 @@ struct ClassPlan {
 };
 
 bool WriteFile(const QString& path, const std::vector<ClassPlan>& plan) {
-  MetricSave save;
-  if (!save.SaveDatabase(path, QStringLiteral("Title \u00e9\u03a9"), QStringLiteral("/src/a.vbp"),
-                         DateSerial(2024, 1, 31) + TimeSerial(7, 8, 9)))
-    return false;
-  for (const ClassPlan& c : plan) {
-    save.AddClass(c.classNr, c.itemCount, c.names);
-    for (const auto& s : c.series) save.AddMetricToClass(s.first);
-    save.ClassDone();
-  }
-  if (!save.SaveClasses()) return false;
-  for (const ClassPlan& c : plan) {
-    for (const auto& s : c.series) {
-      CStats stats = Series(s.second);
-      if (!save.SaveSeries(stats)) return false;
-    }
-  }
-  return save.Close();
+  test::SaveSpec spec{QStringLiteral("Title \u00e9\u03a9"),
+                      QStringLiteral("/src/a.vbp"),
+                      DateSerial(2024, 1, 31) + TimeSerial(7, 8, 9),
+                      {}};
+  for (const ClassPlan& c : plan)
+    spec.classes.push_back({c.classNr, c.names, c.series, c.itemCount});
+  return test::WriteSave(path, spec);
 }
 
 // The row-name block of the k-th class (0-based in file order) as stored.
