@@ -16,10 +16,7 @@
 namespace ombrelle {
 namespace {
 
-QByteArray ReadAll(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+using test::ReadAll;
 
 // A fixture with a scripted service and a rules dialog that, when it has a
 // script, runs it and accepts.

@@ -14,23 +14,16 @@
 namespace ombrelle {
 namespace {
 
-using LimitsFileTest = test::LimitsSettingsTest;
+using test::ReadAll;
 
-QByteArray ReadAll(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+using test::Rules;
+
+using LimitsFileTest = test::LimitsSettingsTest;
 
 void WriteFile(const QString& path, const QByteArray& bytes) {
   QFile file(path);
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
   ASSERT_EQ(file.write(bytes), bytes.size());
-}
-
-std::vector<MetricLimitRule> Rules(const MetricLimits& limits) {
-  std::vector<MetricLimitRule> rules;
-  for (int i = 1; i <= limits.RuleCount(); ++i) rules.push_back(limits.GetRule(i));
-  return rules;
 }
 
 // The head of a hand-written `.mtl` file.

@@ -11,13 +11,9 @@
 namespace ombrelle {
 namespace {
 
-using test::LimitsSettingsTest;
+using test::Rules;
 
-std::vector<MetricLimitRule> Rules(const MetricLimits& limits) {
-  std::vector<MetricLimitRule> rules;
-  for (int i = 1; i <= limits.RuleCount(); ++i) rules.push_back(limits.GetRule(i));
-  return rules;
-}
+using test::LimitsSettingsTest;
 
 // Writes a stored set by hand, as a hand-edited or newer file would leave it.
 void WriteRule(int set, int position, const QString& metric, const QString& type,
