@@ -15,7 +15,6 @@ namespace ombrelle {
 namespace {
 
 using test::ReadAll;
-
 using test::Rules;
 
 using LimitsFileTest = test::LimitsSettingsTest;
