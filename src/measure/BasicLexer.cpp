@@ -154,7 +154,7 @@ void BasicLexer::ScanCode(LogicalLine& out) {
   };
   // A "_" that is the last thing on its line and follows a blank joins the next line.
   auto isContinuation = [&](qsizetype at) {
-    return at == lastNonBlank && (at == lineStart || IsBlank(p[at - 1].unicode()));
+    return at == lastNonBlank && p[at] == u'_' && (at == lineStart || IsBlank(p[at - 1].unicode()));
   };
   auto nextLine = [&]() {
     if (line + 1 >= m_lines.size()) return false;
