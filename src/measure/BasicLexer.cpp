@@ -1,5 +1,8 @@
 #include "measure/BasicLexer.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace ombrelle {
 
 namespace {
@@ -174,6 +177,11 @@ void BasicLexer::ScanCode(LogicalLine& out) {
     }
   };
 
+  auto push = [&](TokenKind kind, qsizetype from, qsizetype to) {
+    const qsizetype length = std::min<qsizetype>(to - from, std::numeric_limits<int>::max());
+    out.tokens.push_back({kind, static_cast<int>(length), from});
+  };
+
   enterLine(m_line);
   int statementBegin = 0;
   bool hasCode = false;
@@ -220,12 +228,12 @@ void BasicLexer::ScanCode(LogicalLine& out) {
         ++pos;
       }
       if (!closed) ++m_unterminatedStrings;
-      out.tokens.push_back({TokenKind::String, start, pos - start});
+      push(TokenKind::String, start, pos);
       continue;
     }
     if (c == u':') {
       if (pos + 1 < end && p[pos + 1] == u'=') {
-        out.tokens.push_back({TokenKind::Punct, start, 2});
+        push(TokenKind::Punct, start, start + 2);
         pos += 2;
       } else {
         EndStatement(out, statementBegin);
@@ -261,7 +269,7 @@ void BasicLexer::ScanCode(LogicalLine& out) {
           continue;
         }
       }
-      out.tokens.push_back({TokenKind::Word, start, pos - start});
+      push(TokenKind::Word, start, pos);
       continue;
     }
     if (IsDigit(c) || (c == u'.' && pos + 1 < end && IsDigit(p[pos + 1].unicode()))) {
@@ -277,7 +285,7 @@ void BasicLexer::ScanCode(LogicalLine& out) {
         if (i < end && p[i] == u':' && !(i + 1 < end && p[i + 1] == u'=')) pos = i + 1;
         continue;
       }
-      out.tokens.push_back({TokenKind::Number, start, pos - start});
+      push(TokenKind::Number, start, pos);
       continue;
     }
     if (c == u'&' && pos + 1 < end &&
@@ -285,7 +293,7 @@ void BasicLexer::ScanCode(LogicalLine& out) {
       pos += 2;
       while (pos < end && IsWordChar(p[pos])) ++pos;
       if (pos < end && p[pos] == u'&') ++pos;
-      out.tokens.push_back({TokenKind::Number, start, pos - start});
+      push(TokenKind::Number, start, pos);
       continue;
     }
     if (c == u'#' && pos + 1 < end && IsDigit(p[pos + 1].unicode())) {
@@ -294,16 +302,16 @@ void BasicLexer::ScanCode(LogicalLine& out) {
       while (i < limit && IsDateChar(p[i].unicode())) ++i;
       if (i < limit && p[i] == u'#') {
         pos = i + 1;
-        out.tokens.push_back({TokenKind::Date, start, pos - start});
+        push(TokenKind::Date, start, pos);
         continue;
       }
     }
     if (c == u'<' || c == u'>' || c == u'=') {
       while (pos < end && (p[pos] == u'<' || p[pos] == u'>' || p[pos] == u'=')) ++pos;
-      out.tokens.push_back({TokenKind::Punct, start, pos - start});
+      push(TokenKind::Punct, start, pos);
       continue;
     }
-    out.tokens.push_back({TokenKind::Punct, start, 1});
+    push(TokenKind::Punct, start, start + 1);
     ++pos;
   }
   EndStatement(out, statementBegin);

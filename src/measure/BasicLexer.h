@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <QStringView>
 
+#include <cstdint>
 #include <vector>
 
 // Cuts the text of one source file into logical lines (physical lines joined
@@ -14,15 +15,15 @@
 
 namespace ombrelle {
 
-enum class TokenKind { Word, Number, String, Date, Punct };
+enum class TokenKind : std::uint8_t { Word, Number, String, Date, Punct };
 
 // A token is a range of the decoded text. Words are identifiers and keywords
 // (with a type-suffix character when one follows); Punct is one character, or
 // a run of the comparison characters < = > such as "<=", or ":=".
 struct Token {
   TokenKind kind = TokenKind::Punct;
+  int length = 0;
   qsizetype begin = 0;
-  qsizetype length = 0;
 };
 
 enum class LineKind {

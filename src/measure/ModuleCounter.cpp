@@ -31,7 +31,7 @@ constexpr int kMaxSingleLineNesting = 64;
 class Counter {
  public:
   Counter(const QString& text, const std::vector<PhysicalLine>& lines)
-      : m_lexer(text, lines), m_physical(static_cast<int>(lines.size())) {}
+      : m_text(text), m_lexer(text, lines), m_physical(static_cast<int>(lines.size())) {}
 
   ModuleCount Run(const QString& baseName) {
     m_result.lines.physical = m_physical;
@@ -53,10 +53,21 @@ class Counter {
   enum class Block { None, Type, Enum };
 
   // --- tokens of the current line
-  bool IsWord(int i, const char* w) const {
-    return i >= 0 && i < static_cast<int>(m_line.tokens.size()) &&
-           m_line.tokens[i].kind == TokenKind::Word &&
-           m_lexer.Text(m_line.tokens[i]).compare(QLatin1String(w), Qt::CaseInsensitive) == 0;
+  // Keywords are ASCII: compared by length first, then letter by letter.
+  template <size_t N>
+  bool IsWord(int i, const char (&w)[N]) const {
+    if (i < 0 || i >= static_cast<int>(m_line.tokens.size())) return false;
+    const Token& t = m_line.tokens[static_cast<size_t>(i)];
+    if (t.kind != TokenKind::Word || t.length != static_cast<qsizetype>(N - 1)) return false;
+    const QChar* p = m_text.constData() + t.begin;
+    for (size_t k = 0; k + 1 < N; ++k) {
+      char16_t c = p[k].unicode();
+      if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + 32);
+      char16_t want = static_cast<unsigned char>(w[k]);
+      if (want >= u'A' && want <= u'Z') want = static_cast<char16_t>(want + 32);
+      if (c != want) return false;
+    }
+    return true;
   }
   bool IsPunct(int i, char16_t c) const {
     if (i < 0 || i >= static_cast<int>(m_line.tokens.size())) return false;
@@ -451,6 +462,7 @@ class Counter {
     }
   }
 
+  const QString& m_text;
   BasicLexer m_lexer;
   int m_physical = 0;
   LogicalLine m_line;

@@ -51,8 +51,10 @@ bool IsValidUtf8(const unsigned char* p, qsizetype size) {
 QString DecodeSource(const QByteArray& bytes) {
   if (bytes.startsWith("\xEF\xBB\xBF"))
     return QString::fromUtf8(bytes.constData() + 3, bytes.size() - 3);
-  if (IsValidUtf8(reinterpret_cast<const unsigned char*>(bytes.constData()), bytes.size()))
-    return QString::fromUtf8(bytes);
+  const auto* data = reinterpret_cast<const unsigned char*>(bytes.constData());
+  if (std::all_of(data, data + bytes.size(), [](unsigned char c) { return c < 0x80; }))
+    return QString::fromLatin1(bytes);  // plain ASCII, the common case, converted fastest
+  if (IsValidUtf8(data, bytes.size())) return QString::fromUtf8(bytes);
   return MultiByteToText(bytes, kCodepageAnsi);
 }
 
