@@ -7,6 +7,7 @@
 #include <limits>
 #include <set>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace ombrelle {
 
@@ -16,9 +17,9 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 // The metrics stored for each class, ascending; the help page "measuring.html"
 // gives the counting rule of each.
-const std::vector<MetricId> kProjectMetrics = {1002, 1009, 1010, 1011, 1015, 1019, 1200,
-                                               1201, 1202, 1203, 1204, 1205, 1206, 1207,
-                                               1210, 1211, 1242, 1301, 1400};
+const std::vector<MetricId> kProjectMetrics = {1002, 1009, 1010, 1011, 1015, 1019, 1200, 1201,
+                                               1202, 1203, 1204, 1205, 1206, 1207, 1210, 1211,
+                                               1240, 1241, 1242, 1243, 1244, 1301, 1400};
 const std::vector<MetricId> kFileMetrics = {2001, 2012, 2013, 2014, 2020, 2030,
                                             2034, 2035, 2036, 2100, 2101, 2103};
 const std::vector<MetricId> kClassMetrics = {3001, 3101, 3112, 3113, 3114, 3150, 3151,
@@ -169,6 +170,55 @@ void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variab
   }
 }
 
+// Lengths and distinct names of one set of names; names differing only in
+// letter case are the same name.
+struct NameLengths {
+  double characters = 0;
+  double count = 0;
+  std::unordered_set<NameHash> distinct;
+  void Add(NameHash hash, int length) {
+    characters += length;
+    ++count;
+    distinct.insert(hash);
+  }
+  void Add(const QString& name) { Add(HashName(name), static_cast<int>(name.size())); }
+  void Add(const NameLengths& other) {
+    characters += other.characters;
+    count += other.count;
+    distinct.insert(other.distinct.begin(), other.distinct.end());
+  }
+  double Average() const { return count > 0 ? characters / count : kNaN; }
+};
+
+// The name metrics of the project: all names (1240), variables and parameters
+// (1241), constants (1242), procedures (1243) and the share of distinct names
+// (1244). Event handlers and implementing procedures keep neither their names
+// in 1243 nor their parameters in 1241; each property name counts once.
+std::vector<double> NameMetrics(const std::vector<FileResult>& files) {
+  NameLengths variables, constants, procedures, all;
+  for (const FileResult& f : files) {
+    const ModuleCount& m = f.count;
+    for (const ModuleVariable& v : m.variables) variables.Add(v.name);
+    for (const QString& c : m.constants) constants.Add(c);
+    std::unordered_set<NameHash> seen;
+    for (const ProcedureCount& p : m.procedures) {
+      const bool handler = IsHandlerName(p.name, m.handlerPrefixes);
+      for (size_t k = 0; k < p.localNames.size(); ++k)
+        if (!handler || k >= static_cast<size_t>(p.parameters))
+          variables.Add(p.localNames[k], p.localLengths[k]);
+      const NameHash h = HashName(p.name);
+      if (!handler && seen.insert(h).second) procedures.Add(h, static_cast<int>(p.name.size()));
+    }
+    for (const QString& n : m.otherNames) all.Add(n);
+    if (IsClassFile(f.extension) || f.extension == QLatin1String("bas")) all.Add(m.moduleName);
+  }
+  all.Add(variables);
+  all.Add(constants);
+  all.Add(procedures);
+  return {all.Average(), variables.Average(), constants.Average(), procedures.Average(),
+          all.count > 0 ? static_cast<double>(all.distinct.size()) / all.count : kNaN};
+}
+
 }  // namespace
 
 MeasuredProject MeasureSources(const QString& projectName, const std::vector<SourceFile>& files) {
@@ -212,7 +262,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
     c.names << projectName;
     LineCounts sum;
     double bytes = 0, procs = 0, vars = 0, moduleVars = 0, consts = 0, types = 0, enums = 0,
-           enumConsts = 0, forms = 0, modules = 0, classes = 0, decisions = 0, constLength = 0;
+           enumConsts = 0, forms = 0, modules = 0, classes = 0, decisions = 0;
     for (const FileResult& r : results) {
       const ModuleCount& m = r.count;
       for (int k = 0; k < 8; ++k) {
@@ -226,7 +276,6 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
       moduleVars += static_cast<double>(m.variables.size());
       vars += static_cast<double>(m.variables.size()) + r.procedureVariables;
       consts += static_cast<double>(m.constants.size());
-      for (const QString& name : m.constants) constLength += static_cast<double>(name.size());
       types += m.types;
       enums += m.enums;
       enumConsts += m.enumConstants;
@@ -250,11 +299,12 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
                              enumConsts,
                              moduleVars,
                              forms,
-                             modules,
-                             consts > 0 ? constLength / consts : kNaN,
-                             decisions + 1,
-                             classes};
-    for (size_t k = 0; k < kProjectMetrics.size(); ++k) c.values[k][0] = values[k];
+                             modules};
+    size_t k = 0;
+    for (double v : values) c.values[k++][0] = v;
+    for (double v : NameMetrics(results)) c.values[k++][0] = v;
+    c.values[k++][0] = decisions + 1;
+    c.values[k++][0] = classes;
     out.classes.push_back(std::move(c));
   }
 

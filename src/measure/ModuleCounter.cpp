@@ -22,6 +22,19 @@ NameHash HashName(const QChar* data, qsizetype size) {
 
 NameHash HashName(const QString& name) { return HashName(name.constData(), name.size()); }
 
+bool IsHandlerName(const QString& procedure, const QStringList& prefixes) {
+  const qsizetype bar = procedure.indexOf(QLatin1Char('_'));
+  if (bar <= 0) return false;
+  const QStringView prefix = QStringView(procedure).left(bar);
+  static const char* const kObjects[] = {"Form",         "MDIForm", "UserControl",
+                                         "UserDocument", "Class",   "PropertyPage"};
+  for (const char* o : kObjects)
+    if (prefix.compare(QLatin1String(o), Qt::CaseInsensitive) == 0) return true;
+  for (const QString& p : prefixes)
+    if (prefix.compare(p, Qt::CaseInsensitive) == 0) return true;
+  return false;
+}
+
 namespace {
 
 // Deeper single-line If statements than this are counted as one statement,
@@ -45,6 +58,8 @@ class Counter {
     if (m_inactive > 0 || !m_directives.empty())
       m_result.problems << QStringLiteral("an #If block has no #End If");
     m_result.problems << m_lexer.Problems();
+    m_result.otherNames << m_lexer.ControlNames();
+    m_result.handlerPrefixes << m_lexer.ControlNames();
     m_result.moduleName = m_lexer.ModuleName().isEmpty() ? baseName : m_lexer.ModuleName();
     return std::move(m_result);
   }
@@ -77,6 +92,9 @@ class Counter {
   bool IsAnyWord(int i) const {
     return i >= 0 && i < static_cast<int>(m_line.tokens.size()) &&
            m_line.tokens[i].kind == TokenKind::Word;
+  }
+  QString WordAt(int i) const {
+    return m_lexer.Text(m_line.tokens[static_cast<size_t>(i)]).toString();
   }
   NameHash Hash(int i) const {
     const QStringView v = m_lexer.Text(m_line.tokens[i]);
@@ -204,6 +222,7 @@ class Counter {
       for (int n : ItemNames(b + 1, e)) {
         ++proc.locals;
         proc.localNames.push_back(Hash(n));
+        proc.localLengths.push_back(m_line.tokens[static_cast<size_t>(n)].length);
       }
       return;
     }
@@ -261,6 +280,7 @@ class Counter {
       for (int n : ItemNames(open + 1, close)) {
         ++p.parameters;
         p.localNames.push_back(Hash(n));
+        p.localLengths.push_back(m_line.tokens[static_cast<size_t>(n)].length);
       }
     }
     m_result.procedures.push_back(std::move(p));
@@ -286,26 +306,33 @@ class Counter {
     if (m_block != Block::None) {
       if (IsWord(b, "End") && (IsWord(b + 1, "Type") || IsWord(b + 1, "Enum")))
         m_block = Block::None;
-      else if (m_block == Block::Enum && IsAnyWord(b))
-        ++m_result.enumConstants;
+      else if (IsAnyWord(b)) {
+        m_result.enumConstants += m_block == Block::Enum;
+        m_result.otherNames << WordAt(b);
+      }
       return;
     }
     if (IsWord(i, "Type") && IsAnyWord(i + 1)) {
       ++m_result.types;
       m_block = Block::Type;
+      m_result.otherNames << WordAt(i + 1);
     } else if (IsWord(i, "Enum") && IsAnyWord(i + 1)) {
       ++m_result.enums;
       m_block = Block::Enum;
+      m_result.otherNames << WordAt(i + 1);
     } else if (IsWord(i, "Event")) {
       ++m_result.events;
     } else if (IsWord(i, "Implements")) {
       ++m_result.implements;
+      if (IsAnyWord(i + 1)) m_result.handlerPrefixes << WordAt(i + 1);
     } else if (IsWord(i, "Const")) {
       for (int n : ItemNames(i + 1, e))
         m_result.constants << m_lexer.Text(m_line.tokens[n]).toString();
     } else if (IsWord(i, "Dim") || i > b) {
-      for (int n : ItemNames(IsWord(i, "Dim") ? i + 1 : i, e))
-        m_result.variables.push_back({m_lexer.Text(m_line.tokens[n]).toString(), isPublic});
+      for (int n : ItemNames(IsWord(i, "Dim") ? i + 1 : i, e)) {
+        m_result.variables.push_back({WordAt(n), isPublic});
+        if (IsWord(n - 1, "WithEvents")) m_result.handlerPrefixes << WordAt(n);
+      }
     }
   }
 

@@ -53,7 +53,8 @@ struct ProcedureCount {
   int selects = 0;           // Select Case blocks
   int maxConditionDepth = 0;
   int maxLoopDepth = 0;
-  std::vector<NameHash> localNames;  // parameters and local variables
+  std::vector<NameHash> localNames;  // parameters first, then local variables
+  std::vector<int> localLengths;     // their lengths in characters
   std::vector<NameUse> uses;
 };
 
@@ -61,6 +62,9 @@ struct ModuleVariable {
   QString name;
   bool isPublic = false;  // declared Public or Global
 };
+
+// A procedure named Prefix_Member handles an event of, or implements, Prefix.
+bool IsHandlerName(const QString& procedure, const QStringList& prefixes);
 
 struct ModuleCount {
   QString moduleName;  // Attribute VB_Name, else the file's base name
@@ -73,6 +77,12 @@ struct ModuleCount {
   int enumConstants = 0;
   int events = 0;
   int implements = 0;
+  // Names the file defines besides variables, procedures and constants: Type
+  // and Enum names, Type fields, Enum members and the designer's controls.
+  QStringList otherNames;
+  // What procedures named Prefix_Member handle or implement: controls,
+  // WithEvents variables and implemented interfaces.
+  QStringList handlerPrefixes;
   QStringList problems;
 };
 

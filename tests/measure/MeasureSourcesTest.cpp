@@ -6,6 +6,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -34,8 +35,8 @@ struct Row {
 };
 
 const std::vector<std::vector<MetricId>> kMetrics = {
-    {1002, 1009, 1010, 1011, 1015, 1019, 1200, 1201, 1202, 1203, 1204, 1205, 1206, 1207, 1210, 1211,
-     1242, 1301, 1400},
+    {1002, 1009, 1010, 1011, 1015, 1019, 1200, 1201, 1202, 1203, 1204, 1205,
+     1206, 1207, 1210, 1211, 1240, 1241, 1242, 1243, 1244, 1301, 1400},
     {2001, 2012, 2013, 2014, 2020, 2030, 2034, 2035, 2036, 2100, 2101, 2103},
     {3001, 3101, 3112, 3113, 3114, 3150, 3151, 3153, 3200, 3210, 3212, 3213, 3215, 3320},
     {4001, 4012, 4013, 4014, 4020, 4030, 4035, 4050, 4051, 4053, 4080, 4120, 4121, 4122, 4140, 4141,
@@ -45,9 +46,8 @@ const std::vector<std::vector<MetricId>> kMetrics = {
 // Lines.bas (ASCII, LF), Shapes.cls (Windows-1252, CR LF, class header),
 // Main.frm (UTF-8 with byte-order mark, LF, form designer header, #If).
 const std::vector<Row> kExpected = {
-    {ClassProject,
-     "Demo",
-     {117, 83, 4, 7, 6, 2605 / 1024.0, 3, 7, 13, 3, 1, 1, 2, 6, 1, 1, 11 / 3.0, 15, 2}},
+    {ClassProject, "Demo", {117, 83, 4, 7, 6,          2605 / 1024.0, 3,        7, 13, 3,  1, 1,
+                            2,   6,  1, 1, 120 / 28.0, 3.5,           11 / 3.0, 8, 1,  15, 2}},
     {ClassFile, "Modules/Lines.bas", {38, 28, 3, 2, 4, 838 / 1024.0, 2, 7, 2, 30, 16, 8}},
     {ClassFile, "Shapes.cls", {47, 37, 1, 3, 1, 1077 / 1024.0, 3, 5, 0, 40, 12, 18}},
     {ClassFile, "Forms/Main.frm", {32, 18, 0, 2, 1, 690 / 1024.0, 2, 1, 1, 13, 7, 2}},
@@ -152,10 +152,37 @@ TEST(MeasureSources, SnippetsFollowTheCountingRules) {
                           file->values[3][0],
                           file->values[9][0],
                           file->values[11][0],
-                          Find(p, ClassProject)->values[17][0]};
+                          Find(p, ClassProject)->values[21][0]};
     const double want[] = {s.physical,   s.code,    s.comment,        s.blank,
                            s.statements, s.control, s.totalComplexity};
     for (int k = 0; k < 7; ++k) EXPECT_EQ(got[k], want[k]) << s.what << " value " << k;
     EXPECT_TRUE(p.warnings.isEmpty()) << s.what;
   }
+}
+
+TEST(MeasureSources, NameLengthsLeaveOutHandlersAndCountPropertiesOnce) {
+  const char* source =
+      "Private a As Long\nPrivate WithEvents tmr As Timer\nPrivate Sub Form_Load(x)\nDim A\n"
+      "End Sub\nPrivate Sub tmr_Timer(y)\nEnd Sub\nSub F(a)\nEnd Sub\nProperty Get P()\n"
+      "End Property\nProperty Let P(v)\nEnd Property\n";
+  const MeasuredProject p =
+      MeasureSources(QStringLiteral("P"), {{QStringLiteral("W.frm"), QByteArray(source)}});
+  const MeasuredClass* project = Find(p, ClassProject);
+  // Variables a, tmr, A (local), a and v (parameters; x and y belong to
+  // handlers); procedures F and P; the class W. Distinct: a, tmr, v, F, P, W.
+  const std::pair<MetricId, double> expected[] = {
+      {1240, 10 / 8.0}, {1241, 7 / 5.0}, {1242, NaN}, {1243, 1.0}, {1244, 6 / 8.0}};
+  for (const auto& [id, value] : expected) {
+    const auto k = static_cast<size_t>(
+        std::find(project->metrics.begin(), project->metrics.end(), id) - project->metrics.begin());
+    ASSERT_LT(k, project->metrics.size());
+    if (std::isnan(value))
+      EXPECT_TRUE(std::isnan(project->values[k][0])) << id;
+    else
+      EXPECT_DOUBLE_EQ(project->values[k][0], value) << id;
+  }
+  EXPECT_EQ(Find(p, ClassProcedure)->names,
+            (QStringList{QStringLiteral("W.Form_Load"), QStringLiteral("W.tmr_Timer"),
+                         QStringLiteral("W.F"), QStringLiteral("W.P (Get)"),
+                         QStringLiteral("W.P (Let)")}));
 }
