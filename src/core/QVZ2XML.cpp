@@ -7,13 +7,12 @@
 #include <new>
 #include <span>
 #include <string_view>
-#include <vector>
 
 #include <QFileInfo>
-#include <QStringList>
 
 #include "core/MetricDefinitions.h"
 #include "core/MetricRead.h"
+#include "core/RowNameSink.h"
 #include "core/XmlText.h"
 #include "stats/CStats.h"
 #include "support/FileIO.h"
@@ -36,6 +35,33 @@ void Exclamation(const QString& text, const QString& title = kTitle) {
 QString SystemError(int number, const QString& text) {
   return QStringLiteral("Error #") + QString::number(number) + QStringLiteral(": ") + text;
 }
+
+// Writes each row name it is given as a line of the rows list, opening the
+// list before the first.
+class RowLines final : public RowNameSink {
+ public:
+  explicit RowLines(XmlOutputFile& out) : m_out(out) {}
+  bool Any() const { return m_any; }
+  void AsciiName(std::string_view bytes) override {
+    Open();
+    m_out.WriteEscaped(bytes);
+    m_out.Write("</row>\r\n");
+  }
+  void TextName(QStringView text) override {
+    Open();
+    m_out.WriteEscaped(text);
+    m_out.Write("</row>\r\n");
+  }
+
+ private:
+  void Open() {
+    if (!m_any) m_out.Write("  <rows>\r\n");
+    m_any = true;
+    m_out.Write("   <row>");
+  }
+  XmlOutputFile& m_out;
+  bool m_any = false;
+};
 
 }  // namespace
 
@@ -190,25 +216,17 @@ void QVZ2XML::WriteClassStart(int metricClass) {
   out.WriteEscaped(longName);
   out.Write(" metrics -->\r\n");
 
-  QStringList names;
-  std::vector<int32_t> order;
-  m_reader->GetRowHeaders(names, metricClass, order);
-  if (names.isEmpty()) return;
-  out.Write("  <rows>\r\n");
-  for (const QString& name : std::as_const(names)) {  // file order, not display order
-    out.Write("   <row>");
-    out.WriteEscaped(name);
-    out.Write("</row>\r\n");
-  }
-  out.Write("  </rows>\r\n");
+  // File order, not display order; the list opens with the first name.
+  RowLines rows(out);
+  m_reader->ForEachRowName(metricClass, rows);
+  if (rows.Any()) out.Write("  </rows>\r\n");
 }
 
 void QVZ2XML::WriteMetric(int metric) {
   XmlOutputFile& out = m_file;
   const MetricDefinitions& definitions = m_reader->Definitions();
-  // GetValues has computed the column's statistics already; the values are
-  // read as they stand.
-  const CStats column = m_reader->GetValues(metric);
+  // The export writes the values alone: no statistics are computed.
+  const CStats column = m_reader->GetValuesUnsummarised(metric);
   const int format = definitions.GetMetricFormat(metric);
 
   out.Write("  <metric id='");

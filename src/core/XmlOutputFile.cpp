@@ -125,6 +125,25 @@ void XmlOutputFile::WriteEscaped(QStringView text) {
   }
 }
 
+void XmlOutputFile::WriteEscaped(std::string_view ascii) {
+  // Every byte takes at most kXmlEscapeMaxBytes; a text that fits is written
+  // in place in one go.
+  const qsizetype most = static_cast<qsizetype>(ascii.size()) * kXmlEscapeMaxBytes;
+  if (char* out = most <= m_capacity / 4 ? Claim(most) : nullptr) {
+    char* p = out;
+    for (const char c : ascii) {
+      if (XmlPlainCode(static_cast<unsigned char>(c)))
+        *p++ = c;
+      else
+        p += XmlEscapeCode(static_cast<unsigned char>(c), p);
+    }
+    Advance(p - out);
+    return;
+  }
+  char piece[kXmlEscapeMaxBytes];
+  for (const char c : ascii) Write(piece, XmlEscapeCode(static_cast<unsigned char>(c), piece));
+}
+
 void XmlOutputFile::WriteNumber(double value) {
   char number[kXmlNumberMaxBytes];
   Write(number, XmlNumber(value, number));
