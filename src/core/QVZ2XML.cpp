@@ -1,5 +1,6 @@
 #include "core/QVZ2XML.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
@@ -240,15 +241,13 @@ void QVZ2XML::WriteMetric(int metric) {
   out.Write("'>\r\n");
   const int32_t count = column.count();
   const std::span<const double> stored = column.StoredOrderValues();
-  for (int32_t i = 0; i < count && !out.Failed(); ++i) {
-    const double value =
-        i < static_cast<int32_t>(stored.size()) ? stored[i] : column.ValueAtIndex(i + 1);
+  const auto writeLine = [&out, format](double value) {
     // The whole line goes straight into the output buffer.
     char* const line = out.Claim(kXmlValueLineMax);
     const int length = line ? XmlValueLine(format, value, line) : -1;
     if (length >= 0) {
       out.Advance(length);
-      continue;
+      return;
     }
     // A date in a locale pattern of more than digits and separators: its
     // text comes from the locale and may need escaping.
@@ -257,7 +256,21 @@ void QVZ2XML::WriteMetric(int metric) {
     out.Write("'>");
     out.WriteNumber(value);
     out.Write("</value>\r\n");
+  };
+  // While the values are at hand in an array, their lines go in blocks
+  // straight into the output buffer; a line the block road leaves, one by one.
+  constexpr qsizetype kBlock = 64 * 1024;
+  const int32_t inArray = std::min<int32_t>(count, static_cast<int32_t>(stored.size()));
+  int32_t i = 0;
+  while (i < inArray && !out.Failed()) {
+    qsizetype done = 0;
+    if (char* const block = out.Claim(kBlock)) {
+      out.Advance(XmlValueLines(format, stored.data() + i, inArray - i, block, kBlock, done));
+      i += static_cast<int32_t>(done);
+    }
+    if (done == 0) writeLine(stored[i++]);
   }
+  for (; i < count && !out.Failed(); ++i) writeLine(column.ValueAtIndex(i + 1));
   out.Write("  </metric>\r\n");
 }
 

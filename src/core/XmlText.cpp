@@ -250,7 +250,8 @@ char* WholeDisplay(int format, long long whole, const char* digits, int n, char*
 }
 }  // namespace
 
-int XmlValueLine(int format, double value, char* out) {
+// Inlined into the loop of XmlValueLines.
+inline int ValueLine(int format, double value, char* out) {
   char* const display = out + kLineOpen.size();
   char* p = nullptr;
   // Whole numbers: the raw form is their digits, and the display is made
@@ -277,6 +278,22 @@ int XmlValueLine(int format, double value, char* out) {
   Put(out, kLineOpen);
   p = Put(p, kLineClose);
   return static_cast<int>(p - out);
+}
+
+int XmlValueLine(int format, double value, char* out) { return ValueLine(format, value, out); }
+
+qsizetype XmlValueLines(int format, const double* values, qsizetype count, char* out,
+                        qsizetype room, qsizetype& done) {
+  char* p = out;
+  char* const last = out + room - kXmlValueLineMax;  // the last start with room for any line
+  qsizetype i = 0;
+  for (; i < count && p <= last; ++i) {
+    const int length = ValueLine(format, values[i], p);
+    if (length < 0) break;
+    p += length;
+  }
+  done = i;
+  return p - out;
 }
 
 QString XmlNumberText(double value) {

@@ -92,7 +92,11 @@ bool FifteenDigitsExact(double magnitude, DecimalDigits& digits) {
   // The power of ten that brings the value to fifteen digits before the
   // point: an estimate from the binary exponent, then corrected.
   const int shift = -exponent;
-  int power = 14 - static_cast<int>(std::floor(std::log10(magnitude)));
+  // The value lies in [2^top, 2^(top + 1)); top x log10(2), rounded down
+  // (78913 / 2^18 is a hair below log10(2)), is its decimal exponent or one
+  // less, and the loop takes the power one down when needed.
+  const int top = 63 - __builtin_clzll(mantissa) + exponent;
+  int power = 14 - ((top * 78913) >> 18);
   Wide whole = 0, rest = 0;
   for (int attempt = 0; attempt < 3; ++attempt) {
     if (!ScaledParts(mantissa, shift, power, whole, rest)) return false;
@@ -271,38 +275,61 @@ constexpr char kDigitPairs[] =
     "6061626364656667686970717273747576777879"
     "8081828384858687888990919293949596979899";
 
-// Decimal digits of `value`: one more than the digits of value / 10.
-int DigitCount(unsigned long long value) {
-  int count = 1;
-  for (;;) {
-    if (value < 10) return count;
-    if (value < 100) return count + 1;
-    if (value < 1000) return count + 2;
-    if (value < 10000) return count + 3;
-    value /= 10000;
-    count += 4;
+// Four digits of `value` (below 10,000), with leading zeros.
+inline void FourDigits(unsigned value, char* out) {
+  std::memcpy(out, kDigitPairs + 2 * (value / 100), 2);
+  std::memcpy(out + 2, kDigitPairs + 2 * (value % 100), 2);
+}
+
+// Eight digits of `value` (below 10^8), with leading zeros.
+inline void EightDigits(unsigned value, char* out) {
+  FourDigits(value / 10000, out);
+  FourDigits(value % 10000, out + 4);
+}
+
+// The digits of `value` below 10,000, without leading zeros.
+inline int UpToFourDigits(unsigned value, char* out) {
+  if (value < 10) {
+    out[0] = static_cast<char>('0' + value);
+    return 1;
   }
+  if (value < 100) {
+    std::memcpy(out, kDigitPairs + 2 * value, 2);
+    return 2;
+  }
+  if (value < 1000) {
+    out[0] = static_cast<char>('0' + value / 100);
+    std::memcpy(out + 1, kDigitPairs + 2 * (value % 100), 2);
+    return 3;
+  }
+  FourDigits(value, out);
+  return 4;
+}
+
+// The digits of `value` below 10^8, without leading zeros.
+inline int UpToEightDigits(unsigned value, char* out) {
+  if (value < 10000) return UpToFourDigits(value, out);
+  const int n = UpToFourDigits(value / 10000, out);
+  FourDigits(value % 10000, out + n);
+  return n + 4;
 }
 
 }  // namespace
 
 int UnsignedChars(unsigned long long value, char* out) {
-  const int count = DigitCount(value);
-  char* p = out + count;
-  while (value >= 100) {
-    const unsigned pair = static_cast<unsigned>(value % 100) * 2;
-    value /= 100;
-    *--p = kDigitPairs[pair + 1];
-    *--p = kDigitPairs[pair];
+  // In pieces of eight digits, each in 32-bit arithmetic.
+  constexpr unsigned long long kEight = 100000000ULL;
+  if (value < kEight) return UpToEightDigits(static_cast<unsigned>(value), out);
+  if (value < kEight * kEight) {
+    const int n = UpToEightDigits(static_cast<unsigned>(value / kEight), out);
+    EightDigits(static_cast<unsigned>(value % kEight), out + n);
+    return n + 8;
   }
-  if (value >= 10) {
-    const unsigned pair = static_cast<unsigned>(value) * 2;
-    *--p = kDigitPairs[pair + 1];
-    *--p = kDigitPairs[pair];
-  } else {
-    *--p = static_cast<char>('0' + value);
-  }
-  return count;
+  const int n = UpToEightDigits(static_cast<unsigned>(value / (kEight * kEight)), out);
+  const unsigned long long rest = value % (kEight * kEight);
+  EightDigits(static_cast<unsigned>(rest / kEight), out + n);
+  EightDigits(static_cast<unsigned>(rest % kEight), out + n + 8);
+  return n + 16;
 }
 
 int IntegerChars(long long value, char* out) {
