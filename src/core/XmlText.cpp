@@ -251,7 +251,7 @@ char* WholeDisplay(int format, long long whole, const char* digits, int n, char*
 }  // namespace
 
 // Inlined into the loop of XmlValueLines.
-inline int ValueLine(int format, double value, char* out) {
+[[gnu::always_inline]] inline int ValueLine(int format, double value, char* out) {
   char* const display = out + kLineOpen.size();
   char* p = nullptr;
   // Whole numbers: the raw form is their digits, and the display is made
