@@ -99,11 +99,17 @@ class MetricRead {
   // Row names (0-based list) and the order to show them in (1-based indexes
   // into the names).
   void GetRowHeaders(QStringList& names, int metricClass, std::vector<int32_t>& order);
+  // The names of GetRowHeaders handed to `sink` one by one, without a list
+  // where the open file can serve them straight.
+  void ForEachRowName(int metricClass, RowNameSink& sink);
   // Whether a column can be had for `metric` in this view.
   bool MetricAvailable(MetricId metric);
   // The column of `metric` in this view, with its statistics, display format
   // and theoretical range; zeros when it cannot be read.
   CStats GetValues(MetricId metric);
+  // The same column without its statistics (Sum, Mean and the rest stay 0),
+  // for a reader that only walks the values.
+  CStats GetValuesUnsummarised(MetricId metric);
   // The only value of GetValues, or its mean when there are several.
   double GetSingleValue(MetricId metric);
   // Database index of the `row`-th row of a multi-database view; 0 outside.

@@ -2,6 +2,7 @@
 // columns of values with their trends.
 
 #include "core/MetricRead.h"
+#include "core/RowNameSink.h"
 #include "stats/MetricFormula.h"
 #include "support/Filename.h"
 
@@ -198,6 +199,18 @@ void MetricRead::GetRowHeaders(QStringList& names, int metricClass, std::vector<
   }
 }
 
+void MetricRead::ForEachRowName(int metricClass, RowNameSink& sink) {
+  // The project class and the made-up rows take the list road of GetRowHeaders.
+  if (m_dataState == 2 && m_currentReader && metricClass != ClassProject) {
+    m_currentReader->ForEachRowName(metricClass, sink);
+    return;
+  }
+  QStringList names;
+  std::vector<int32_t> order;
+  GetRowHeaders(names, metricClass, order);
+  for (const QString& name : std::as_const(names)) sink.TextName(name);
+}
+
 QString MetricRead::GetItemFilename(int metricClass, int32_t row) {
   QString filename;
   if (m_currentReader) m_currentReader->GetItemFile(metricClass, row, filename);
@@ -249,6 +262,12 @@ bool MetricRead::FormulaAvailable(MetricId metric, QVZRead& reader) {
 }
 
 CStats MetricRead::GetValues(MetricId metric) {
+  CStats values = GetValuesUnsummarised(metric);
+  values.CalcStats();
+  return values;
+}
+
+CStats MetricRead::GetValuesUnsummarised(MetricId metric) {
   CStats values = CollectValues(metric);
   bool trend = false;
   if (metric == kDaysBetweenSaves) {
@@ -271,7 +290,6 @@ CStats MetricRead::GetValues(MetricId metric) {
     values.TheorMax = range.HighKind != BoundNone;
     values.TheorMaxValue = range.High;
   }
-  values.CalcStats();
   return values;
 }
 

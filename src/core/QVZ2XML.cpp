@@ -1,5 +1,6 @@
 #include "core/QVZ2XML.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
@@ -7,13 +8,12 @@
 #include <new>
 #include <span>
 #include <string_view>
-#include <vector>
 
 #include <QFileInfo>
-#include <QStringList>
 
 #include "core/MetricDefinitions.h"
 #include "core/MetricRead.h"
+#include "core/RowNameSink.h"
 #include "core/XmlText.h"
 #include "stats/CStats.h"
 #include "support/FileIO.h"
@@ -36,6 +36,33 @@ void Exclamation(const QString& text, const QString& title = kTitle) {
 QString SystemError(int number, const QString& text) {
   return QStringLiteral("Error #") + QString::number(number) + QStringLiteral(": ") + text;
 }
+
+// Writes each row name it is given as a line of the rows list, opening the
+// list before the first.
+class RowLines final : public RowNameSink {
+ public:
+  explicit RowLines(XmlOutputFile& out) : m_out(out) {}
+  bool Any() const { return m_any; }
+  void AsciiName(std::string_view bytes) override {
+    Open();
+    m_out.WriteEscaped(bytes);
+    m_out.Write("</row>\r\n");
+  }
+  void TextName(QStringView text) override {
+    Open();
+    m_out.WriteEscaped(text);
+    m_out.Write("</row>\r\n");
+  }
+
+ private:
+  void Open() {
+    if (!m_any) m_out.Write("  <rows>\r\n");
+    m_any = true;
+    m_out.Write("   <row>");
+  }
+  XmlOutputFile& m_out;
+  bool m_any = false;
+};
 
 }  // namespace
 
@@ -190,25 +217,17 @@ void QVZ2XML::WriteClassStart(int metricClass) {
   out.WriteEscaped(longName);
   out.Write(" metrics -->\r\n");
 
-  QStringList names;
-  std::vector<int32_t> order;
-  m_reader->GetRowHeaders(names, metricClass, order);
-  if (names.isEmpty()) return;
-  out.Write("  <rows>\r\n");
-  for (const QString& name : std::as_const(names)) {  // file order, not display order
-    out.Write("   <row>");
-    out.WriteEscaped(name);
-    out.Write("</row>\r\n");
-  }
-  out.Write("  </rows>\r\n");
+  // File order, not display order; the list opens with the first name.
+  RowLines rows(out);
+  m_reader->ForEachRowName(metricClass, rows);
+  if (rows.Any()) out.Write("  </rows>\r\n");
 }
 
 void QVZ2XML::WriteMetric(int metric) {
   XmlOutputFile& out = m_file;
   const MetricDefinitions& definitions = m_reader->Definitions();
-  // GetValues has computed the column's statistics already; the values are
-  // read as they stand.
-  const CStats column = m_reader->GetValues(metric);
+  // The export writes the values alone: no statistics are computed.
+  const CStats column = m_reader->GetValuesUnsummarised(metric);
   const int format = definitions.GetMetricFormat(metric);
 
   out.Write("  <metric id='");
@@ -222,15 +241,13 @@ void QVZ2XML::WriteMetric(int metric) {
   out.Write("'>\r\n");
   const int32_t count = column.count();
   const std::span<const double> stored = column.StoredOrderValues();
-  for (int32_t i = 0; i < count && !out.Failed(); ++i) {
-    const double value =
-        i < static_cast<int32_t>(stored.size()) ? stored[i] : column.ValueAtIndex(i + 1);
+  const auto writeLine = [&out, format](double value) {
     // The whole line goes straight into the output buffer.
     char* const line = out.Claim(kXmlValueLineMax);
     const int length = line ? XmlValueLine(format, value, line) : -1;
     if (length >= 0) {
       out.Advance(length);
-      continue;
+      return;
     }
     // A date in a locale pattern of more than digits and separators: its
     // text comes from the locale and may need escaping.
@@ -239,7 +256,21 @@ void QVZ2XML::WriteMetric(int metric) {
     out.Write("'>");
     out.WriteNumber(value);
     out.Write("</value>\r\n");
+  };
+  // While the values are at hand in an array, their lines go in blocks
+  // straight into the output buffer; a line the block road leaves, one by one.
+  constexpr qsizetype kBlock = 64 * 1024;
+  const int32_t inArray = std::min<int32_t>(count, static_cast<int32_t>(stored.size()));
+  int32_t i = 0;
+  while (i < inArray && !out.Failed()) {
+    qsizetype done = 0;
+    if (char* const block = out.Claim(kBlock)) {
+      out.Advance(XmlValueLines(format, stored.data() + i, inArray - i, block, kBlock, done));
+      i += static_cast<int32_t>(done);
+    }
+    if (done == 0) writeLine(stored[i++]);
   }
+  for (; i < count && !out.Failed(); ++i) writeLine(column.ValueAtIndex(i + 1));
   out.Write("  </metric>\r\n");
 }
 

@@ -14,6 +14,8 @@
 
 namespace ombrelle {
 
+class RowNameSink;
+
 // What the reader knows of one class code, whether the file has the class or
 // not. Lists are stored 0-based; entry i - 1 is the described entry i.
 struct ClassSlot {
@@ -103,6 +105,9 @@ class QVZRead {
   // (1-based indices into the names); the names of every class are loaded on
   // the first demand.
   void GetRowHeaders(int metricClass, QStringList& names, std::vector<int32_t>& order);
+  // The same names, in file order, handed to `sink` one by one. Reads only
+  // the class's own block and keeps nothing: no list, no display order.
+  void ForEachRowName(int metricClass, RowNameSink& sink);
   // The metric's own class lists it and its series is usable; 1207 answers
   // whether the variable class is present.
   bool MetricStored(MetricId metric) const;

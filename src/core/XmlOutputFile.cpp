@@ -1,5 +1,6 @@
 #include "core/XmlOutputFile.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <random>
@@ -123,6 +124,36 @@ void XmlOutputFile::WriteEscaped(QStringView text) {
     Write(piece, XmlEscapeCode(begin->unicode(), piece));
     ++begin;
   }
+}
+
+void XmlOutputFile::WriteEscaped(std::string_view ascii) {
+  // Every byte takes at most kXmlEscapeMaxBytes; a text that fits is written
+  // in place in one go.
+  const qsizetype most = static_cast<qsizetype>(ascii.size()) * kXmlEscapeMaxBytes;
+  if (char* out = most <= m_capacity / 4 ? Claim(most) : nullptr) {
+    // Runs of plain bytes are copied whole.
+    static constexpr auto kPlain = [] {
+      std::array<bool, 256> plain{};
+      for (int c = 0; c < 128; ++c) plain[c] = XmlPlainCode(static_cast<char16_t>(c));
+      return plain;
+    }();
+    char* p = out;
+    const char* c = ascii.data();
+    const char* const end = c + ascii.size();
+    while (c != end) {
+      const char* run = c;
+      while (run != end && kPlain[static_cast<unsigned char>(*run)]) ++run;
+      std::memcpy(p, c, static_cast<size_t>(run - c));
+      p += run - c;
+      if (run == end) break;
+      p += XmlEscapeCode(static_cast<unsigned char>(*run), p);
+      c = run + 1;
+    }
+    Advance(p - out);
+    return;
+  }
+  char piece[kXmlEscapeMaxBytes];
+  for (const char c : ascii) Write(piece, XmlEscapeCode(static_cast<unsigned char>(c), piece));
 }
 
 void XmlOutputFile::WriteNumber(double value) {

@@ -43,6 +43,8 @@ class XmlOutputFile {
   void Write(std::string_view text) { Write(text.data(), static_cast<qsizetype>(text.size())); }
   // Each 16-bit code escaped for XML (see XmlText.h).
   void WriteEscaped(QStringView text);
+  // The same for bytes below 128, each standing for the code of its value.
+  void WriteEscaped(std::string_view ascii);
   // A number in the raw form of XmlNumber.
   void WriteNumber(double value);
   // Room for `size` bytes at the end of the buffer, written out first when

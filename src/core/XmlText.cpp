@@ -76,7 +76,7 @@ int XmlNumber(double value, const DecimalDigits* known, char* out) {
   DecimalDigits shortest;
   if (known)
     shortest = *known;
-  else
+  else if (!FifteenDigitsExact(std::fabs(value), shortest))
     ShortestDigits(value, shortest);
   char sci[kXmlNumberMaxBytes];
   char digitsRounded[15];
@@ -161,55 +161,139 @@ static_assert(kLineOpen.size() + kNumberCharsMax + kLineMiddle.size() + kXmlNumb
 
 // Room for the digits of a whole number below 10^15 with its sign, and more.
 constexpr size_t kDigitsRoom = 24;
-static_assert(kLineOpen.size() + 1 + kDigitsRoom + kLineMiddle.size() + kDigitsRoom <=
+// The longest display of a whole number: its digits and "00%".
+static_assert(kLineOpen.size() + kDigitsRoom + 3 + kLineMiddle.size() + kDigitsRoom <=
               kXmlValueLineMax);
 
 char* Put(char* out, std::string_view text) {
   std::memcpy(out, text.data(), text.size());
   return out + text.size();
 }
-}  // namespace
 
-int XmlValueLine(int format, double value, char* out) {
-  char* const display = out + kLineOpen.size();
-  char* p = nullptr;
-  // Whole numbers below a million in the whole-number formats: the display
-  // is the raw digits, grouped by "," from a thousand on.
-  if ((format == 0 || format == 1 || format == 2) && value < 1e6 && value > -1e15) {
-    const auto whole = static_cast<long long>(value);
-    if (static_cast<double>(whole) == value) {
+// "00" to "99": two digits at a time.
+constexpr char kPairs[] =
+    "0001020304050607080910111213141516171819"
+    "2021222324252627282930313233343536373839"
+    "4041424344454647484950515253545556575859"
+    "6061626364656667686970717273747576777879"
+    "8081828384858687888990919293949596979899";
+
+// The digits of a whole number with its sign; below 10,000 without a loop.
+inline int WholeDigits(long long whole, char* out) {
+  if (whole < 0 || whole >= 10000) return IntegerChars(whole, out);
+  const auto v = static_cast<unsigned>(whole);
+  if (v < 10) {
+    out[0] = static_cast<char>('0' + v);
+    return 1;
+  }
+  if (v < 100) {
+    std::memcpy(out, kPairs + 2 * v, 2);
+    return 2;
+  }
+  const unsigned high = v / 100;
+  const unsigned low = v % 100;
+  if (v < 1000) {
+    out[0] = static_cast<char>('0' + high);
+    std::memcpy(out + 1, kPairs + 2 * low, 2);
+    return 3;
+  }
+  std::memcpy(out, kPairs + 2 * high, 2);
+  std::memcpy(out + 2, kPairs + 2 * low, 2);
+  return 4;
+}
+
+// The display of a whole number (below 10^15 in magnitude) whose digits with
+// sign are digits[0..n), as FormatMetricChars writes it for `format`, at `p`;
+// the end of the display, or null for a format or size this road leaves to
+// FormatMetricChars.
+char* WholeDisplay(int format, long long whole, const char* digits, int n, char* p) {
+  switch (format) {
+    case 10:
+      // From ten on the size form shows whole numbers as the whole-number
+      // formats do; below, with two decimals.
+      if (whole > -10 && whole < 10) break;
+      [[fallthrough]];
+    case 0:
+    case 1:
+    case 2:
+      // The digits, grouped by "," from a thousand to below a million.
+      if (whole >= 1000000) return nullptr;
       // The copies take the whole digit buffer, a fixed size that needs no
       // call; the line has room for it and what follows overwrites the rest.
-      char digits[kDigitsRoom];
-      const int n = IntegerChars(whole, digits);
-      p = display;
-      std::memcpy(p, digits, sizeof digits);
+      std::memcpy(p, digits, kDigitsRoom);
       if (whole >= 1000) {
         p[n - 3] = ',';
         std::memcpy(p + n - 2, digits + n - 3, 3);
-        ++p;
+        return p + n + 1;
       }
-      p = Put(p + n, kLineMiddle);
-      std::memcpy(p, digits, sizeof digits);
-      p += n;
+      return p + n;
+    case 3:
+    case 4:
+    case 5:
+      // A hundred times the value, exact below 10^12; 0 reads "0%".
+      if (whole == 0) return Put(p, "0%");
+      if (whole <= -1000000000000LL || whole >= 1000000000000LL) return nullptr;
+      std::memcpy(p, digits, kDigitsRoom);
+      return Put(p + n, "00%");
+    case 7:
+      std::memcpy(p, digits, kDigitsRoom);
+      return Put(p + n, ".0");
+    case 6:
+    case 8:
+      break;
+    default:
+      return nullptr;
+  }
+  // Two decimals: formats 6 and 8, and the size form below ten.
+  std::memcpy(p, digits, kDigitsRoom);
+  return Put(p + n, ".00");
+}
+}  // namespace
+
+// Inlined into the loop of XmlValueLines.
+[[gnu::always_inline]] inline int ValueLine(int format, double value, char* out) {
+  char* const display = out + kLineOpen.size();
+  char* p = nullptr;
+  // Whole numbers: the raw form is their digits, and the display is made
+  // from the same digits for the formats in common use.
+  if (value > -1e15 && value < 1e15) {
+    const auto whole = static_cast<long long>(value);
+    if (static_cast<double>(whole) == value) {
+      char digits[kDigitsRoom];
+      const int n = WholeDigits(whole, digits);  // -0 reads "0"
+      p = WholeDisplay(format, whole, digits, n, display);
+      if (p) {
+        p = Put(p, kLineMiddle);
+        std::memcpy(p, digits, sizeof digits);
+        p += n;
+      }
     }
   }
   if (!p) {
-    // A fraction's digits are found once for its display and its raw form.
-    DecimalDigits digits;
-    const DecimalDigits* known = nullptr;
-    if (std::isfinite(value) && !(std::fabs(value) < 1e15 && value == std::trunc(value))) {
-      ShortestDigits(value, digits);
-      known = &digits;
-    }
-    const int length = FormatMetricChars(format, value, known, display);
+    const int length = FormatMetricChars(format, value, nullptr, display);
     if (length < 0) return -1;
     p = Put(display + length, kLineMiddle);
-    p += XmlNumber(value, known, p);
+    p += XmlNumber(value, nullptr, p);
   }
   Put(out, kLineOpen);
   p = Put(p, kLineClose);
   return static_cast<int>(p - out);
+}
+
+int XmlValueLine(int format, double value, char* out) { return ValueLine(format, value, out); }
+
+qsizetype XmlValueLines(int format, const double* values, qsizetype count, char* out,
+                        qsizetype room, qsizetype& done) {
+  char* p = out;
+  char* const last = out + room - kXmlValueLineMax;  // the last start with room for any line
+  qsizetype i = 0;
+  for (; i < count && p <= last; ++i) {
+    const int length = ValueLine(format, values[i], p);
+    if (length < 0) break;
+    p += length;
+  }
+  done = i;
+  return p - out;
 }
 
 QString XmlNumberText(double value) {

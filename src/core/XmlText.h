@@ -52,5 +52,11 @@ inline constexpr int kXmlValueLineMax = 800;
 // and the raw form of XmlNumber, written to `out`; the number of bytes, or
 // -1 (nothing written) for a date whose text only the locale can write.
 int XmlValueLine(int format, double value, char* out);
+// The lines of XmlValueLine for values[0..count) one after another in `out`,
+// which has room for `room` bytes, while at least kXmlValueLineMax of them
+// are left; stops before a value that XmlValueLine cannot write. Gives the
+// bytes written and sets `done` to the number of values written.
+qsizetype XmlValueLines(int format, const double* values, qsizetype count, char* out,
+                        qsizetype room, qsizetype& done);
 
 }  // namespace ombrelle

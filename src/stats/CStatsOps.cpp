@@ -104,6 +104,16 @@ inline bool Combine(std::int32_t operation, double x, double y, double& out) {
   }
 }
 
+// Element i of `out` from x[i] and y[i], y reading 0 from `shared` on: Combine for a
+// known operation, in a loop the compiler sees whole.
+template <typename Op>
+void CombineAll(Op op, const double* x, const double* y, std::int32_t shared, std::int32_t n,
+                double* out) {
+  std::int32_t i = 0;
+  for (; i < shared; ++i) out[i] = op(x[i], y[i]);
+  for (; i < n; ++i) out[i] = op(x[i], 0.0);
+}
+
 }  // namespace
 
 // Runs over Capacity, not count: slots not yet filled take part as zeros, so two series
@@ -111,6 +121,34 @@ inline bool Combine(std::int32_t operation, double x, double y, double& out) {
 CStats CStats::Operate(std::int32_t Operation, const CStats& Operand) const {
   CStats result;
   result.Init(m_capacity, false);
+  if (Operation >= 0 && Operation <= 4 && Operand.m_currentOrder == 0) {
+    // Every element is kept and the operand reads in stored order (ValueAt): the values
+    // are combined array to array.
+    const std::int32_t n = m_capacity;
+    const std::int32_t shared = std::min(n, Operand.m_capacity);
+    const double* x = m_values.data();
+    const double* y = Operand.m_values.data();
+    double* out = result.m_values.data();
+    switch (Operation) {
+      case 0:
+        CombineAll([](double a, double b) { return b + a; }, x, y, shared, n, out);
+        break;
+      case 1:
+        CombineAll([](double a, double b) { return b * a; }, x, y, shared, n, out);
+        break;
+      case 2:
+        CombineAll([](double a, double b) { return b == 0 ? 0.0 : a / b; }, x, y, shared, n, out);
+        break;
+      case 3:
+        CombineAll([](double a, double b) { return a - b; }, x, y, shared, n, out);
+        break;
+      default:
+        CombineAll([](double a, double b) { return std::pow(a, b); }, x, y, shared, n, out);
+        break;
+    }
+    result.m_count = n;
+    return result;
+  }
   double out;
   for (std::int32_t i = 1; i <= m_capacity; ++i)
     if (Combine(Operation, m_values[i - 1], Operand.ValueAtIndex(i), out)) result.AddValue(out);

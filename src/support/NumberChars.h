@@ -35,6 +35,18 @@ int RoundDecimalChars(double value, const DecimalDigits& digits, int decimals, c
 // The same, finding the digits itself; not finite values give NonFiniteChars.
 int RoundDecimalChars(double value, int decimals, char* out);
 
+// `magnitude` (finite, above 0, not whole) times 10^decimals (0 to 19),
+// rounded half away from zero on its shortest digits, found from the exact
+// binary value without the digits. True when no rounding boundary lies
+// within one unit in the last place of the value, so that the value and its
+// shortest digits round alike, and the result stays below 2^62; false, and
+// `units` untouched, when only the digits can tell.
+bool RoundScaledExact(double magnitude, int decimals, unsigned long long& units);
+// The shortest digits of `magnitude` (finite, above 0, not whole) rounded
+// half up to fifteen significant digits, without finding the shortest digits
+// first, under the same condition; for values from 1E-05 up to 1E+14.
+bool FifteenDigitsExact(double magnitude, DecimalDigits& digits);
+
 // A whole number in decimal (at most 20 bytes).
 int IntegerChars(long long value, char* out);
 int UnsignedChars(unsigned long long value, char* out);
