@@ -191,8 +191,9 @@ bool GitHistory::ReadCommit(const QString& commit, const QString& folderName,
                                 QStringLiteral(" but not in the commit; left out");
         continue;
       }
+      // Named from the project's folder, as on disc.
       const QString name =
-          folder == u"." ? found->second->path : QDir(folder).relativeFilePath(found->second->path);
+          folder == u"." ? found->second->path : found->second->path.mid(folder.size() + 1);
       chosen.emplace_back(found->second, name);
     }
   } else {

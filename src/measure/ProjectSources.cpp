@@ -84,8 +84,8 @@ void ReadSource(const QString& path, const QString& name, ProjectSources& source
     if (!file.open(QIODevice::ReadOnly)) {
       refusal = QStringLiteral("cannot be read (") + file.errorString() + QStringLiteral(")");
     } else {
-      // Read no more than the limit even if the file grew since it was measured.
-      bytes = file.read(ProjectSources::kMaxFileBytes + 1);
+      // Read no more than the limit even if the file grew since it was looked at.
+      bytes = file.read(std::min(info.size(), ProjectSources::kMaxFileBytes) + 1);
       refusal = bytes.size() > ProjectSources::kMaxFileBytes
                     ? ProjectSources::RefusalOfSize(bytes.size())
                     : ProjectSources::RefusalOf(bytes);
