@@ -62,12 +62,13 @@ bool MeasureAndWrite(const ProjectSources& sources, const MeasureWriter::Header&
 
 QString MeasureCommand::Usage() {
   return QStringLiteral(
-      "Usage: qvzmeasure [options] PROJECT.vbp | FOLDER\n"
+      "Usage: qvzmeasure [options] PROJECT.vbp | FOLDER | FILE\n"
       "       qvzmeasure --git REPOSITORY [--since YYYY-MM-DD] [--every day|week|month] [options]\n"
       "\n"
       "Counts Visual Basic 6 and VBA source code (.bas .cls .frm .ctl .dsr) into a metrics\n"
       "database (.qvz) that qvzview opens. A .vbp measures the files it lists; a folder is\n"
-      "searched for source files in all its subfolders.\n"
+      "searched for source files in all its subfolders; a single source file is measured\n"
+      "on its own.\n"
       "\n"
       "  -o, --output FILE     the database to write (it must not exist yet); default: a\n"
       "                        name from the day and the project in the save folder of the\n"

@@ -153,6 +153,14 @@ ProjectSources FromFolder(const QFileInfo& folder) {
 ProjectSources ProjectSources::FromPath(const QString& path) {
   const QFileInfo info(path);
   if (info.isDir()) return FromFolder(info);
+  if (info.isFile() && IsSourceName(info.fileName())) {
+    // One source file on its own is a project of that file.
+    ProjectSources sources;
+    sources.projectFile = info.fileName();
+    sources.title = info.completeBaseName();
+    ReadSource(info.absoluteFilePath(), info.fileName(), sources);
+    return sources;
+  }
   if (info.isFile()) return FromProjectFile(info);
   ProjectSources sources;
   sources.warnings << path + QStringLiteral(": no such file or folder");

@@ -26,8 +26,8 @@ class ProjectSources {
   std::vector<SourceFile> files;  // in the order the project lists them, or sorted by path
   QStringList warnings;           // "name: reason", one per file left out
 
-  // Reads a `.vbp` file or a folder (searched recursively) on disc. A path
-  // that is neither gives no files and a warning saying so.
+  // Reads a `.vbp` file, a folder (searched recursively) or a single source
+  // file on disc. A path that is none of these gives no files and a warning.
   static ProjectSources FromPath(const QString& path);
 
   // The source files a `.vbp` names ("Module=Name; path", "Class=Name; path",

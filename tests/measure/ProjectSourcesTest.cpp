@@ -130,8 +130,14 @@ TEST(ProjectSources, FolderIsSearchedAndBadFilesAreLeftOutWithAWarning) {
                                            "Picture.frm: not a text file; left out"}));
 }
 
-TEST(ProjectSources, NeitherFileNorFolder) {
+TEST(ProjectSources, OneSourceFileAloneAndNeitherFileNorFolder) {
   QTemporaryDir dir;
+  PutFile(dir.filePath("Tools.Bas"), Module("Tools", 1));
+  const ProjectSources one = ProjectSources::FromPath(dir.filePath("Tools.Bas"));
+  EXPECT_EQ(one.projectFile, "Tools.Bas");
+  EXPECT_EQ(one.title, "Tools");
+  EXPECT_EQ(Names(one), QStringList("Tools.Bas"));
+
   const ProjectSources sources = ProjectSources::FromPath(dir.filePath("nothing"));
   EXPECT_TRUE(sources.files.empty());
   EXPECT_EQ(sources.warnings, QStringList(dir.filePath("nothing") + ": no such file or folder"));
