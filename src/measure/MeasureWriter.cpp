@@ -1,5 +1,6 @@
 #include "measure/MeasureWriter.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/MetricSave.h"
@@ -11,13 +12,8 @@ namespace ombrelle {
 
 namespace {
 
-enum class Fill { None, Some, All };
-
-Fill FillOf(const std::vector<double>& values) {
-  size_t present = 0;
-  for (double v : values) present += std::isfinite(v) ? 1 : 0;
-  if (present == 0) return Fill::None;
-  return present == values.size() ? Fill::All : Fill::Some;
+bool AnyValue(const std::vector<double>& values) {
+  return std::any_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
 }
 
 // The columns of one class that go into the file.
@@ -36,14 +32,13 @@ bool MeasureWriter::Write(const MeasuredProject& project, const Header& header, 
     StoredClass entry{&measured, {}};
     for (size_t m = 0; m < measured.metrics.size() && m < measured.values.size(); ++m) {
       const std::vector<double>& values = measured.values[m];
-      const Fill fill =
-          values.size() == static_cast<size_t>(measured.names.size()) ? FillOf(values) : Fill::Some;
-      if (fill == Fill::All) {
-        entry.columns.push_back(m);
-      } else if (fill == Fill::Some && notes) {
-        *notes << QStringLiteral("metric %1 left out: not every row has a value")
-                      .arg(measured.metrics[m]);
+      if (values.size() != static_cast<size_t>(measured.names.size())) {
+        if (notes)
+          *notes << QStringLiteral("metric %1 left out: its values do not match the rows")
+                        .arg(measured.metrics[m]);
+        continue;
       }
+      if (AnyValue(values)) entry.columns.push_back(m);
     }
     stored.push_back(std::move(entry));
   }
@@ -62,7 +57,7 @@ bool MeasureWriter::Write(const MeasuredProject& project, const Header& header, 
       const std::vector<double>& values = entry.source->values[m];
       CStats stats;
       stats.Init(static_cast<int32_t>(values.size()));
-      for (double v : values) stats.AddValue(v);
+      for (double v : values) stats.AddValue(std::isfinite(v) ? v : 0.0);
       if (!save.SaveSeries(stats)) return false;
     }
   }

@@ -17,11 +17,11 @@ class MeasureWriter {
   };
 
   // Writes `project` to `path` (complete, or nothing under that name). A
-  // column no row has a value for is left out, as is a column that lacks a
-  // value for some row: the database can only hold whole columns, and a
-  // stand-in value would be counted as a real one. Each column left out for
-  // missing rows adds a line to `notes`. False, after the writer's message,
-  // on failure.
+  // column no row has a value for is left out, so the viewer shows the
+  // metric as absent. The file holds whole columns only: in a column that
+  // lacks a value for some rows (a metric that does not apply to a Declare),
+  // those rows hold 0. A column whose length differs from the rows is left
+  // out with a line in `notes`. False, after the writer's message, on failure.
   static bool Write(const MeasuredProject& project, const Header& header, const QString& path,
                     QStringList* notes = nullptr);
 

@@ -33,7 +33,10 @@ QString MakeShop(const QTemporaryDir& dir, int extraProcedures = 0) {
   PutFile(root + "/Shop.vbp",
           "Type=Exe\r\nForm=frmMain.frm\r\nModule=Main; Main.bas\r\nClass=CItem; CItem.cls\r\n"
           "Name=\"Shop\"\r\n");
-  PutFile(root + "/Main.bas", Module("Main", 2 + extraProcedures));
+  // A Declare: procedure metrics that do not apply to it.
+  PutFile(root + "/Main.bas",
+          Module("Main", 2 + extraProcedures) +
+              "Private Declare Function GetTickCount Lib \"kernel32\" () As Long\r\n");
   PutFile(root + "/CItem.cls", "VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = -1\r\nEND\r\n" +
                                    Module("CItem", 1) + "Private mCount As Long\r\n");
   PutFile(root + "/frmMain.frm",
@@ -69,21 +72,24 @@ TEST(MeasureDatabase, ReadsBackWithTheSameNamesAndValues) {
               QSet<QString>(measured.names.begin(), measured.names.end()));
     for (size_t m = 0; m < measured.metrics.size(); ++m) {
       const std::vector<double>& values = measured.values[m];
-      const bool whole =
-          std::none_of(values.begin(), values.end(), [](double v) { return std::isnan(v); });
-      EXPECT_EQ(reader.MetricStored(measured.metrics[m]), whole) << measured.metrics[m];
-      if (!whole) continue;
+      // A column without a single value is left out; rows without one hold 0.
+      std::vector<double> stored;
+      for (double v : values) stored.push_back(std::isnan(v) ? 0.0 : v);
+      const bool any =
+          std::any_of(values.begin(), values.end(), [](double v) { return !std::isnan(v); });
+      EXPECT_EQ(reader.MetricStored(measured.metrics[m]), any) << measured.metrics[m];
+      if (!any) continue;
       ++columns;
       // A column of several rows is stored as whole numbers when the metric's
       // format is whole; a single value keeps its fraction.
-      const auto [low, high] = std::minmax_element(values.begin(), values.end());
+      const auto [low, high] = std::minmax_element(stored.begin(), stored.end());
       const bool rounded =
-          values.size() > 1 &&
+          stored.size() > 1 &&
           ChooseValueEncoding(definitions.GetMetricFormat(measured.metrics[m]), *low, *high).Kind !=
               kValueDouble;
       for (qsizetype row = 0; row < measured.names.size(); ++row) {
         double value = kNone;
-        const double written = values[static_cast<size_t>(row)];
+        const double written = stored[static_cast<size_t>(row)];
         ASSERT_TRUE(reader.ReadValueForRow(measured.metrics[m], measured.names[row], value));
         EXPECT_NEAR(value, rounded ? std::nearbyint(written) : written, 1e-4)
             << measured.metrics[m] << " " << measured.names[row].toStdString();
@@ -95,31 +101,35 @@ TEST(MeasureDatabase, ReadsBackWithTheSameNamesAndValues) {
   EXPECT_TRUE(scripted.ui.messages.empty());
 }
 
-TEST(MeasureDatabase, ColumnsWithoutAValueForEveryRowAreLeftOut) {
+TEST(MeasureDatabase, RowsWithoutAValueHoldZeroAndEmptyColumnsAreLeftOut) {
   ScopedScriptedUi scripted;
   MeasuredProject project;
   MeasuredClass files;
   files.classNr = ClassFile;
   files.names = {"b.bas", "a.bas"};
-  files.metrics = {2001, 2012, 2013};
-  files.values = {{7, 3}, {kNone, 2}, {kNone, kNone}};
+  files.metrics = {2001, 2012, 2013, 2014};
+  files.values = {{7, 3}, {kNone, 2}, {kNone, kNone}, {1}};
   project.classes.push_back(files);
   QTemporaryDir dir;
   QStringList notes;
   ASSERT_TRUE(MeasureWriter::Write(project, {"T", "p.vbp", DateSerial(2024, 1, 2)},
                                    dir.filePath("t.qvz"), &notes));
-  EXPECT_EQ(notes, QStringList("metric 2012 left out: not every row has a value"));
+  EXPECT_EQ(notes, QStringList("metric 2014 left out: its values do not match the rows"));
   QVZRead reader;
   QString error;
   ASSERT_TRUE(reader.Opendatabase(dir.filePath("t.qvz"), error));
-  EXPECT_TRUE(reader.MetricStored(2001));
-  EXPECT_FALSE(reader.MetricStored(2012));
   EXPECT_FALSE(reader.MetricStored(2013));
-  double value = 0;
-  ASSERT_TRUE(reader.ReadValueForRow(2001, "b.bas", value));
-  EXPECT_EQ(value, 7);
-  ASSERT_TRUE(reader.ReadValueForRow(2001, "a.bas", value));
-  EXPECT_EQ(value, 3);
+  EXPECT_FALSE(reader.MetricStored(2014));
+  const struct {
+    MetricId id;
+    const char* row;
+    double value;
+  } cells[] = {{2001, "b.bas", 7}, {2001, "a.bas", 3}, {2012, "b.bas", 0}, {2012, "a.bas", 2}};
+  for (const auto& cell : cells) {
+    double value = -1;
+    ASSERT_TRUE(reader.ReadValueForRow(cell.id, cell.row, value)) << cell.id;
+    EXPECT_EQ(value, cell.value) << cell.id << cell.row;
+  }
 }
 
 // Records nothing: the model only needs somewhere to report to.
