@@ -16,6 +16,8 @@ if [ "${1:-build}" = test ]; then
   packages+=(giflib-tools gifsicle)
   # The install test checks the desktop entry.
   packages+=(desktop-file-utils)
+  # The measuring program reads history through git; its tests make repositories.
+  packages+=(git)
   # libFuzzer and its sanitizer runtimes for the fuzz targets.
   packages+=(clang-14 libclang-rt-14-dev)
 fi
