@@ -3,6 +3,7 @@
 #include "measure/ModuleCounter.h"
 #include "measure/SourceText.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <set>
@@ -33,6 +34,7 @@ struct FileResult {
   QString name;
   QString extension;  // lower case, without the dot
   double bytes = 0;
+  double date = kNaN;
   ModuleCount count;
   int decisions = 0;           // over the file's procedures
   int procedureVariables = 0;  // parameters and local variables
@@ -170,6 +172,36 @@ void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variab
   }
 }
 
+// Adds a metric in its place among the ascending metrics of `c`.
+void InsertMetric(MeasuredClass& c, MetricId id, std::vector<double> values) {
+  const auto at = std::lower_bound(c.metrics.begin(), c.metrics.end(), id);
+  c.values.insert(c.values.begin() + (at - c.metrics.begin()), std::move(values));
+  c.metrics.insert(at, id);
+}
+
+// The date metrics, when the caller gave any file a date: the newest and the
+// average date of the dated files (1000, 1021) and each file's date (2031).
+void AddDates(const std::vector<FileResult>& files, MeasuredProject& out) {
+  double newest = kNaN, sum = 0, dated = 0;
+  std::vector<double> dates;
+  for (const FileResult& f : files) {
+    dates.push_back(f.date);
+    if (std::isnan(f.date)) continue;
+    newest = std::isnan(newest) ? f.date : std::max(newest, f.date);
+    sum += f.date;
+    ++dated;
+  }
+  if (dated == 0) return;
+  for (MeasuredClass& c : out.classes) {
+    if (c.classNr == ClassProject) {
+      InsertMetric(c, 1000, {newest});
+      InsertMetric(c, 1021, {sum / dated});
+    } else if (c.classNr == ClassFile) {
+      InsertMetric(c, 2031, dates);
+    }
+  }
+}
+
 // Lengths and distinct names of one set of names; names differing only in
 // letter case are the same name.
 struct NameLengths {
@@ -235,6 +267,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
     const qsizetype dot = leaf.lastIndexOf(QLatin1Char('.'));
     r.extension = dot < 0 ? QString() : leaf.mid(dot + 1).toLower();
     r.bytes = static_cast<double>(file.bytes.size());
+    r.date = file.date;
     r.count = CountModule(DecodeSource(file.bytes), dot < 0 ? leaf : leaf.left(dot));
     if (!r.count.problems.isEmpty())
       out.warnings << QStringLiteral("%1: %2").arg(file.name,
@@ -417,6 +450,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
     }
     out.classes.push_back(std::move(vc));
   }
+  AddDates(results, out);
   return out;
 }
 

@@ -8,6 +8,13 @@
 namespace ombrelle {
 
 NameHash HashName(const QChar* data, qsizetype size) {
+  // A type-suffix character is no part of the name: s$ and s are one variable.
+  if (size > 1) {
+    const char16_t last = data[size - 1].unicode();
+    if (last == u'$' || last == u'%' || last == u'&' || last == u'!' || last == u'#' ||
+        last == u'@')
+      --size;
+  }
   NameHash h = 14695981039346656037ull;
   for (qsizetype i = 0; i < size; ++i) {
     char16_t c = data[i].unicode();
