@@ -379,6 +379,9 @@ class Counter {
         m_condDepth = std::max(0, m_condDepth - 1);
       } else if (then + 1 < e) {
         Count(proc, false, false);
+      } else if (e != m_line.statements.back().second) {
+        // "If c Then: s" is a single-line If too: no block opens.
+        p.maxConditionDepth = std::max(p.maxConditionDepth, m_condDepth + 1);
       } else {
         Deeper(m_condDepth, p.maxConditionDepth);
       }

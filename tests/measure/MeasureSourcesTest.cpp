@@ -213,3 +213,12 @@ TEST(MeasureSources, FileDatesGiveTheDateMetricsWhenAnyFileHasOne) {
   EXPECT_EQ(vars->names, QStringList{QStringLiteral("B.s$")});
   EXPECT_EQ(vars->values[1][0], 1);  // 5002 WRITES
 }
+
+TEST(MeasureSources, IfThenColonOpensNoBlock) {
+  const MeasuredProject p = MeasureSources(
+      QStringLiteral("P"),
+      {{QStringLiteral("M.bas"), "Sub A()\nIf a Then: b = 1\nIf c Then\nEnd If\nEnd Sub\n"}});
+  const MeasuredClass* procs = Find(p, ClassProcedure);
+  EXPECT_EQ(procs->values[7][0], 6);   // 4050 statements
+  EXPECT_EQ(procs->values[14][0], 1);  // 4140: the second If is not inside the first
+}
