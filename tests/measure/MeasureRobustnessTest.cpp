@@ -86,7 +86,7 @@ TEST(MeasureRobustness, MegabyteLinesTakeLinearTime) {
     timer.start();
     const MeasuredProject p =
         MeasureSources(QStringLiteral("P"), {{QStringLiteral("M.bas"), source}});
-    EXPECT_LT(timer.elapsed(), 3000) << piece.constData();
+    EXPECT_LT(timer.elapsed(), 10000) << piece.constData();  // quadratic would take hours
     ASSERT_NE(Find(p, ClassProcedure), nullptr) << piece.constData();
   }
 }
