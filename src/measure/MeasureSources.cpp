@@ -3,6 +3,7 @@
 #include "measure/ModuleCounter.h"
 #include "measure/SourceText.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <set>
@@ -33,6 +34,7 @@ struct FileResult {
   QString name;
   QString extension;  // lower case, without the dot
   double bytes = 0;
+  double date = kNaN;
   ModuleCount count;
   int decisions = 0;           // over the file's procedures
   int procedureVariables = 0;  // parameters and local variables
@@ -53,13 +55,28 @@ bool IsClassFile(const QString& extension) {
          extension == QLatin1String("ctl") || extension == QLatin1String("dsr");
 }
 
-// `name`, or `name` with the first free number from 2 on, ignoring case.
-QString Unique(std::set<QString>& used, const QString& name) {
-  QString candidate = name;
-  for (int n = 2; !used.insert(candidate.toLower()).second; ++n)
-    candidate = name + QString::number(n);
-  return candidate;
-}
+// Row names made unique: a name already given (ignoring case) gets the first
+// free number from 2 on. Each name remembers where its numbers went on, so
+// that many equal names take linear time.
+class UniqueNames {
+ public:
+  QString Make(const QString& name) {
+    const QString lower = name.toLower();
+    if (m_used.insert(lower).second) return name;
+    int& next = m_next[lower];
+    for (next = std::max(next, 2);; ++next) {
+      const QString candidate = name + QString::number(next);
+      if (m_used.insert(candidate.toLower()).second) {
+        ++next;
+        return candidate;
+      }
+    }
+  }
+
+ private:
+  std::unordered_set<QString> m_used;
+  std::unordered_map<QString, int> m_next;
+};
 
 QString ProcedureRowName(const QString& module, const ProcedureCount& p) {
   QString name = module + QLatin1Char('.') + p.name;
@@ -170,6 +187,36 @@ void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variab
   }
 }
 
+// Adds a metric in its place among the ascending metrics of `c`.
+void InsertMetric(MeasuredClass& c, MetricId id, std::vector<double> values) {
+  const auto at = std::lower_bound(c.metrics.begin(), c.metrics.end(), id);
+  c.values.insert(c.values.begin() + (at - c.metrics.begin()), std::move(values));
+  c.metrics.insert(at, id);
+}
+
+// The date metrics, when the caller gave any file a date: the newest and the
+// average date of the dated files (1000, 1021) and each file's date (2031).
+void AddDates(const std::vector<FileResult>& files, MeasuredProject& out) {
+  double newest = kNaN, sum = 0, dated = 0;
+  std::vector<double> dates;
+  for (const FileResult& f : files) {
+    dates.push_back(f.date);
+    if (std::isnan(f.date)) continue;
+    newest = std::isnan(newest) ? f.date : std::max(newest, f.date);
+    sum += f.date;
+    ++dated;
+  }
+  if (dated == 0) return;
+  for (MeasuredClass& c : out.classes) {
+    if (c.classNr == ClassProject) {
+      InsertMetric(c, 1000, {newest});
+      InsertMetric(c, 1021, {sum / dated});
+    } else if (c.classNr == ClassFile) {
+      InsertMetric(c, 2031, dates);
+    }
+  }
+}
+
 // Lengths and distinct names of one set of names; names differing only in
 // letter case are the same name.
 struct NameLengths {
@@ -235,6 +282,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
     const qsizetype dot = leaf.lastIndexOf(QLatin1Char('.'));
     r.extension = dot < 0 ? QString() : leaf.mid(dot + 1).toLower();
     r.bytes = static_cast<double>(file.bytes.size());
+    r.date = file.date;
     r.count = CountModule(DecodeSource(file.bytes), dot < 0 ? leaf : leaf.left(dot));
     if (!r.count.problems.isEmpty())
       out.warnings << QStringLiteral("%1: %2").arg(file.name,
@@ -314,7 +362,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
     int classRows = 0;
     for (const FileResult& r : results) classRows += IsClassFile(r.extension);
     MeasuredClass cc = MakeClass(ClassClass, kClassMetrics, classRows);
-    std::set<QString> classNames;
+    UniqueNames classNames;
     int row = 0, classRow = 0;
     for (const FileResult& r : results) {
       const ModuleCount& m = r.count;
@@ -335,7 +383,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
       for (size_t k = 0; k < kFileMetrics.size(); ++k) fc.values[k][row] = fileValues[k];
       ++row;
       if (!IsClassFile(r.extension)) continue;
-      cc.names << Unique(classNames, m.moduleName);
+      cc.names << classNames.Make(m.moduleName);
       int methods = 0, publicMethods = 0, publicVars = 0;
       for (const ProcedureCount& p : m.procedures) {
         if (p.kind == ProcedureKind::Declare) continue;
@@ -367,11 +415,11 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
   // Procedures.
   if (procedureCount > 0) {
     MeasuredClass pc = MakeClass(ClassProcedure, kProcedureMetrics, procedureCount);
-    std::set<QString> names;
+    UniqueNames names;
     int row = 0;
     for (const FileResult& r : results) {
       for (const ProcedureCount& p : r.count.procedures) {
-        pc.names << Unique(names, ProcedureRowName(r.count.moduleName, p));
+        pc.names << names.Make(ProcedureRowName(r.count.moduleName, p));
         const bool code = p.kind != ProcedureKind::Declare;
         const double cc = 1 + p.decisions;
         const LineCounts& l = p.lines;
@@ -404,12 +452,12 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
   if (!variables.empty()) {
     MeasuredClass vc =
         MakeClass(ClassVariable, kVariableMetrics, static_cast<int>(variables.size()));
-    std::set<QString> names;
+    UniqueNames names;
     for (size_t v = 0; v < variables.size(); ++v) {
       const VariableResult& var = variables[v];
       const FileResult& f = results[static_cast<size_t>(var.file)];
       const QString& name = f.count.variables[static_cast<size_t>(var.index)].name;
-      vc.names << Unique(names, f.count.moduleName + QLatin1Char('.') + name);
+      vc.names << names.Make(f.count.moduleName + QLatin1Char('.') + name);
       vc.values[0][v] = var.reads;
       vc.values[1][v] = var.writes;
       vc.values[2][v] = var.users;
@@ -417,6 +465,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
     }
     out.classes.push_back(std::move(vc));
   }
+  AddDates(results, out);
   return out;
 }
 

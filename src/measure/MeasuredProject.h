@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <limits>
 #include <vector>
 
 // What the measuring library hands to the program that writes a database: the
@@ -19,6 +20,9 @@ namespace ombrelle {
 struct SourceFile {
   QString name;  // path relative to the project folder, '/'-separated
   QByteArray bytes;
+  // The file's date (days since 1899-12-30, the time as the fraction), or NaN
+  // when the caller has none; files without a date leave the date metrics out.
+  double date = std::numeric_limits<double>::quiet_NaN();
 };
 
 // The rows of one class of a database with one value per metric and row.

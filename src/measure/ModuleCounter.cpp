@@ -8,6 +8,13 @@
 namespace ombrelle {
 
 NameHash HashName(const QChar* data, qsizetype size) {
+  // A type-suffix character is no part of the name: s$ and s are one variable.
+  if (size > 1) {
+    const char16_t last = data[size - 1].unicode();
+    if (last == u'$' || last == u'%' || last == u'&' || last == u'!' || last == u'#' ||
+        last == u'@')
+      --size;
+  }
   NameHash h = 14695981039346656037ull;
   for (qsizetype i = 0; i < size; ++i) {
     char16_t c = data[i].unicode();
@@ -372,6 +379,9 @@ class Counter {
         m_condDepth = std::max(0, m_condDepth - 1);
       } else if (then + 1 < e) {
         Count(proc, false, false);
+      } else if (e != m_line.statements.back().second) {
+        // "If c Then: s" is a single-line If too: no block opens.
+        p.maxConditionDepth = std::max(p.maxConditionDepth, m_condDepth + 1);
       } else {
         Deeper(m_condDepth, p.maxConditionDepth);
       }

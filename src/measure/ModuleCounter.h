@@ -12,7 +12,8 @@
 
 namespace ombrelle {
 
-// A name as a 64-bit hash of its letters folded to lower case.
+// A name as a 64-bit hash of its letters folded to lower case, a type-suffix
+// character left out.
 using NameHash = std::uint64_t;
 NameHash HashName(const QChar* data, qsizetype size);
 NameHash HashName(const QString& name);

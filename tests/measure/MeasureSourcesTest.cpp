@@ -186,3 +186,39 @@ TEST(MeasureSources, NameLengthsLeaveOutHandlersAndCountPropertiesOnce) {
                          QStringLiteral("W.F"), QStringLiteral("W.P (Get)"),
                          QStringLiteral("W.P (Let)")}));
 }
+
+TEST(MeasureSources, FileDatesGiveTheDateMetricsWhenAnyFileHasOne) {
+  std::vector<SourceFile> files = {
+      {QStringLiteral("A.bas"), "x = 1\n", 45000.25},
+      {QStringLiteral("B.bas"), "Dim s$\nSub F()\ns = \"\"\nEnd Sub\n", 45010.75},
+      {QStringLiteral("C.bas"), "'\n"}};
+  const MeasuredProject p = MeasureSources(QStringLiteral("P"), files);
+  const MeasuredClass* project = Find(p, ClassProject);
+  ASSERT_EQ(project->metrics.front(), 1000);
+  EXPECT_EQ(project->values[0][0], 45010.75);
+  const auto average = std::find(project->metrics.begin(), project->metrics.end(), 1021);
+  ASSERT_NE(average, project->metrics.end());
+  EXPECT_EQ(project->values[static_cast<size_t>(average - project->metrics.begin())][0], 45005.5);
+  EXPECT_TRUE(std::is_sorted(project->metrics.begin(), project->metrics.end()));
+  const MeasuredClass* fileClass = Find(p, ClassFile);
+  const auto date = std::find(fileClass->metrics.begin(), fileClass->metrics.end(), 2031);
+  ASSERT_NE(date, fileClass->metrics.end());
+  const std::vector<double>& dates =
+      fileClass->values[static_cast<size_t>(date - fileClass->metrics.begin())];
+  EXPECT_EQ(dates[0], 45000.25);
+  EXPECT_EQ(dates[1], 45010.75);
+  EXPECT_TRUE(std::isnan(dates[2]));
+  // s$ declared, s written: one variable.
+  const MeasuredClass* vars = Find(p, ClassVariable);
+  EXPECT_EQ(vars->names, QStringList{QStringLiteral("B.s$")});
+  EXPECT_EQ(vars->values[1][0], 1);  // 5002 WRITES
+}
+
+TEST(MeasureSources, IfThenColonOpensNoBlock) {
+  const MeasuredProject p = MeasureSources(
+      QStringLiteral("P"),
+      {{QStringLiteral("M.bas"), "Sub A()\nIf a Then: b = 1\nIf c Then\nEnd If\nEnd Sub\n"}});
+  const MeasuredClass* procs = Find(p, ClassProcedure);
+  EXPECT_EQ(procs->values[7][0], 6);   // 4050 statements
+  EXPECT_EQ(procs->values[14][0], 1);  // 4140: the second If is not inside the first
+}
