@@ -65,10 +65,13 @@ const PageKind kPageKinds[] = {
 
 // Every entry of the menu bar, in menu order. A new entry fails the suite
 // until it is listed here (and so driven).
-const QStringList kEntries = {"mFileDatabases",
+const QStringList kEntries = {"mOptionsSelections",
+                              "mOptionsLimits",
+                              "mOptionsCharts",
+                              "mOptionsRotated",
+                              "mFileDatabases",
                               "mFileExport",
                               "mFileXML",
-                              "mFileClose",
                               "mEditCopy",
                               "mEditFind",
                               "mEditFindAgain",
@@ -92,12 +95,9 @@ const QStringList kEntries = {"mFileDatabases",
                               "mReportMetricsList",
                               "mReportMetricsListSorted",
                               "mReportExplore",
-                              "mOptionsSelections",
-                              "mOptionsLimits",
-                              "mOptionsCharts",
-                              "mOptionsRotated",
                               "mHelpContents",
-                              "mHelpAbout"};
+                              "mHelpAbout",
+                              "mFileClose"};
 
 // Boxes an entry may show on a page kind ("*" any kind): the start of the text.
 struct ExpectedBox {
@@ -106,7 +106,7 @@ struct ExpectedBox {
   const char* text;
 };
 const ExpectedBox kExpectedBoxes[] = {
-    {"mReportExplore", "*", "No reports in "},
+    {"mReportCorrelations", "all", "Correlation analysis is not available on this page."},
 };
 
 // Entries that hand a document to the default handler.
@@ -184,6 +184,10 @@ class EndToEnd : public ::testing::TestWithParam<PageKind> {
     const QDir samples(QStringLiteral(OMBRELLE_BUILD_DIR "/sample"));
     for (const QString& file : samples.entryList({QStringLiteral("*.qvz")}, QDir::Files))
       QFile::copy(samples.filePath(file), WorkPath(QStringLiteral("samples/") + file));
+    QDir().mkpath(WorkPath(QStringLiteral("samples/www")));
+    const QDir help(QStringLiteral(OMBRELLE_BUILD_DIR "/www"));
+    for (const QString& file : help.entryList(QDir::Files))
+      QFile::copy(help.filePath(file), WorkPath(QStringLiteral("samples/www/") + file));
     // The default handler: a script that logs what it is asked to open.
     const QString opener = WorkPath(QStringLiteral("bin/xdg-open"));
     QFile script(opener);
@@ -332,7 +336,7 @@ class EndToEnd : public ::testing::TestWithParam<PageKind> {
     m_busy.insert(modal);
     QPointer<QWidget> target(modal);
     const int step = m_steps[modal]++;
-    QTimer::singleShot(120, qApp, [this, target, modal, step] {
+    QTimer::singleShot(60, qApp, [this, target, modal, step] {
       if (target) Answer(target, step);
       m_busy.erase(modal);
     });
@@ -352,7 +356,7 @@ class EndToEnd : public ::testing::TestWithParam<PageKind> {
     const int logged = Opened().size();
     const QList<QWidget*> before = QApplication::topLevelWidgets();
     if (!Click(action)) return;
-    QTest::qWaitFor([this] { return Idle(); }, 20000);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return Idle(); }, 20000)) << "a dialog stayed open";
     QTest::qWait(100);
     Shot(entry);
     // New picture windows: saved in the next format of their list, copied, closed.
@@ -362,7 +366,7 @@ class EndToEnd : public ::testing::TestWithParam<PageKind> {
       if (auto* bar = window->findChild<QToolBar*>()) {
         for (const char* button : {"cmdSave", "cmdCopy"})
           ClickWidget(bar->widgetForAction(window->findChild<QAction*>(button)));
-        QTest::qWaitFor([this] { return Idle(); }, 20000);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return Idle(); }, 20000)) << "a dialog stayed open";
         EXPECT_FALSE(QGuiApplication::clipboard()->image().isNull());
       }
       window->close();
@@ -379,7 +383,7 @@ class EndToEnd : public ::testing::TestWithParam<PageKind> {
     }
     for (const QString& file : m_written) ExpectReaderAccepts(file);
     if (OpensDocument(entry) && m_boxes.isEmpty()) {
-      QTest::qWaitFor([&] { return Opened().size() > logged; }, 5000);
+      (void)QTest::qWaitFor([&] { return Opened().size() > logged; }, 5000);
       ASSERT_GT(Opened().size(), logged) << "nothing handed to the default handler";
       for (const QString& url : Opened().mid(logged)) {
         const QString file = QUrl::fromUserInput(url).toLocalFile();
@@ -398,6 +402,20 @@ class EndToEnd : public ::testing::TestWithParam<PageKind> {
     return QSettings(SettingsFilePath(), QSettings::IniFormat).value(key).toString();
   }
 
+  // The page kind of the run, chosen with the mouse and the keyboard; again
+  // before every entry, since some (the database manager) start over.
+  void ChoosePage() {
+    auto* tabs = m_window->findChild<QTabBar*>(QStringLiteral("Tabs"));
+    if (tabs->currentIndex() != GetParam().tab)
+      QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(GetParam().tab).center());
+    if (GetParam().timeStyle >= 0) {
+      auto* style = m_window->findChild<QComboBox*>(QStringLiteral("cboProjectInTimeStyle"));
+      style->setFocus();
+      while (style->currentIndex() < GetParam().timeStyle) QTest::keyClick(style, Qt::Key_Down);
+    }
+    QTest::qWait(50);
+  }
+
   // The script run inside the program's event loop.
   void Script() {
     for (QWidget* window : QApplication::topLevelWidgets())
@@ -410,14 +428,7 @@ class EndToEnd : public ::testing::TestWithParam<PageKind> {
       Shot(QStringLiteral("start"));
       ClickWidget(about);
     }
-    auto* tabs = m_window->findChild<QTabBar*>(QStringLiteral("Tabs"));
-    QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(GetParam().tab).center());
-    if (GetParam().timeStyle >= 0) {
-      auto* style = m_window->findChild<QComboBox*>(QStringLiteral("cboProjectInTimeStyle"));
-      style->setFocus();
-      while (style->currentIndex() < GetParam().timeStyle) QTest::keyClick(style, Qt::Key_Down);
-    }
-    QTest::qWait(200);
+    ChoosePage();
     Shot(QStringLiteral("page"));
 
     QStringList found;
@@ -427,8 +438,9 @@ class EndToEnd : public ::testing::TestWithParam<PageKind> {
     EXPECT_EQ(QSet<QString>(found.begin(), found.end()),
               QSet<QString>(kEntries.begin(), kEntries.end()));
 
-    for (const QString& entry : found) {
+    for (const QString& entry : kEntries) {
       if (entry == QStringLiteral("mFileClose")) continue;
+      ChoosePage();
       const QString charts = SettingsValue(QStringLiteral("Options/DisplayCharts"));
       Drive(entry);
       if (entry == QStringLiteral("mOptionsCharts")) {
@@ -463,7 +475,7 @@ TEST_P(EndToEnd, EveryMenuEntry) {
 
   QtUiServices dialogs;
   StartupHooks hooks;
-  hooks.programPath = QCoreApplication::applicationFilePath();
+  hooks.programPath = WorkPath(QStringLiteral("samples/qvzview"));
   hooks.currentDir = QDir::currentPath();
   hooks.hasDisplay = true;
   hooks.interactiveUi = &dialogs;
@@ -487,8 +499,10 @@ TEST_P(EndToEnd, EveryMenuEntry) {
   const QString settings = QDir(home).relativeFilePath(SettingsFilePath());
   for (const auto& [file, sum] : Listing(home)) {
     const auto old = homeBefore.find(file);
-    if (old == homeBefore.end() || old->second != sum)
-      EXPECT_EQ(file, settings) << "written in the home folder";
+    if (old == homeBefore.end() || old->second != sum) {
+      EXPECT_TRUE(file == settings || file.endsWith(QStringLiteral("/QtProject.conf")))
+          << "written in the home folder: " << file.toStdString();
+    }
   }
 }
 
