@@ -65,39 +65,18 @@ const PageKind kPageKinds[] = {
 
 // Every entry of the menu bar, in menu order. A new entry fails the suite
 // until it is listed here (and so driven).
-const QStringList kEntries = {"mOptionsSelections",
-                              "mOptionsLimits",
-                              "mOptionsCharts",
-                              "mOptionsRotated",
-                              "mFileDatabases",
-                              "mFileExport",
-                              "mFileXML",
-                              "mEditCopy",
-                              "mEditFind",
-                              "mEditFindAgain",
-                              "mChartBar",
-                              "mChartHistogram",
-                              "mChartDistribution",
-                              "mChartCompare0",
-                              "mChartCompare1",
-                              "mChartTime",
-                              "mChartScatter",
-                              "mChartPieLimits",
-                              "mChartKiviat",
-                              "mReportView0",
-                              "mReportView1",
-                              "mReportStats",
-                              "mReportCharts",
-                              "mReportCorrelations",
-                              "mReportStatus0",
-                              "mReportStatus1",
-                              "mReportLimits",
-                              "mReportMetricsList",
-                              "mReportMetricsListSorted",
-                              "mReportExplore",
-                              "mHelpContents",
-                              "mHelpAbout",
-                              "mFileClose"};
+// clang-format off
+const QStringList kEntries = {
+    "mOptionsSelections", "mOptionsLimits", "mOptionsCharts", "mOptionsRotated",
+    "mFileDatabases", "mFileExport", "mFileXML",
+    "mEditCopy", "mEditFind", "mEditFindAgain",
+    "mChartBar", "mChartHistogram", "mChartDistribution", "mChartCompare0", "mChartCompare1",
+    "mChartTime", "mChartPieLimits", "mChartKiviat", "mChartScatter",
+    "mReportView0", "mReportView1", "mReportStats", "mReportCharts", "mReportCorrelations",
+    "mReportStatus0", "mReportStatus1", "mReportLimits", "mReportMetricsList",
+    "mReportMetricsListSorted", "mReportExplore",
+    "mHelpContents", "mHelpAbout", "mFileClose"};
+// clang-format on
 
 // Boxes an entry may show on a page kind ("*" any kind): the start of the text.
 struct ExpectedBox {
@@ -363,6 +342,12 @@ class EndToEnd : public ::testing::TestWithParam<PageKind> {
     for (QWidget* window : QApplication::topLevelWidgets()) {
       if (before.contains(window) || !window->isVisible() || window->inherits("QMenu")) continue;
       m_entry = QStringLiteral("cmd-") + entry;
+      if (auto* x = window->findChild<QComboBox*>(QStringLiteral("cboMetric0"))) {
+        // The regression window opens on one metric twice: another X draws.
+        x->setFocus();
+        QTest::keyClick(x, Qt::Key_Down);
+        Shot(entry + QStringLiteral("-chosen"));
+      }
       if (auto* bar = window->findChild<QToolBar*>()) {
         for (const char* button : {"cmdSave", "cmdCopy"})
           ClickWidget(bar->widgetForAction(window->findChild<QAction*>(button)));
