@@ -86,6 +86,10 @@ struct ExpectedBox {
 };
 const ExpectedBox kExpectedBoxes[] = {
     {"mReportCorrelations", "all", "Correlation analysis is not available on this page."},
+    {"mChartPieLimits", "time-days",
+     "You are viewing metric changes in time. Limits do not apply."},
+    {"mChartPieLimits", "time-months",
+     "You are viewing metric changes in time. Limits do not apply."},
 };
 
 // Entries that hand a document to the default handler.
@@ -176,6 +180,9 @@ class EndToEnd : public ::testing::TestWithParam<PageKind> {
       script.close();
       script.setPermissions(script.permissions() | QFile::ExeOwner);
     }
+    // The copies are the search path, so the build's own samples stay unread.
+    SaveSetting(QStringLiteral("Databases"), QStringLiteral("path1"),
+                WorkPath(QStringLiteral("samples")));
     qputenv("PATH", WorkPath(QStringLiteral("bin")).toUtf8() + ':' + qgetenv("PATH"));
     qputenv("BROWSER", opener.toUtf8());
   }
