@@ -3,7 +3,8 @@
 # the given number of seconds (default 60).
 #   scripts/fuzz.sh [seconds-per-target] [target...]
 # Targets: qvz_read (database files), mtl_import (.mtl limit files),
-# command_line (the command-line splitter and parser). The corpus each run
+# command_line (the command-line splitter and parser), measure (the source
+# lexer and counter). The corpus each run
 # grows is kept in build-fuzz/corpus/<target>; a failing input is written to
 # build-fuzz/artifacts/ and replayed with build-fuzz/fuzz_<target> <file>.
 set -euo pipefail
@@ -11,7 +12,7 @@ cd "$(dirname "$0")/.."
 seconds=${1:-60}
 shift || true
 targets=("$@")
-[ ${#targets[@]} -eq 0 ] && targets=(qvz_read mtl_import command_line)
+[ ${#targets[@]} -eq 0 ] && targets=(qvz_read mtl_import command_line measure)
 dir=build-fuzz
 
 if [ ! -f "$dir/build.ninja" ]; then
@@ -44,6 +45,7 @@ for t in "${targets[@]}"; do
   [ -d "$dir/seeds/$t" ] && seeds+=("$dir/seeds/$t")
   case $t in
     qvz_read) max_len=65536 ;;
+    measure) max_len=16384 ;;
     *) max_len=4096 ;;
   esac
   log="$dir/fuzz_$t.log"

@@ -157,8 +157,7 @@ void ZelmChart::Draw(bool BlackWhite) {
   DrawAxisCaption();
   const bool known = m_chartKind >= 0 && m_chartKind <= 9;
   // A dot plot may come with its values in the second place (see DrawScatter).
-  const bool dotsInSecond =
-      m_chartKind == 7 && m_series.size() >= 2 && m_series[1].count() > 0;
+  const bool dotsInSecond = m_chartKind == 7 && m_series.size() >= 2 && m_series[1].count() > 0;
   if (known && (hasData || m_chartKind == 8 || dotsInSecond)) {
     switch (m_chartKind) {
       case 0:
@@ -316,7 +315,8 @@ void ZelmChart::DrawDateTicks() {
   if (m_series.empty() || m_series[0].count() == 0) return;
   const double start = m_series[0].Min, end = m_series[0].Max;
   const double range = end == start ? 1 : end - start;
-  const double y = ValueToY(0);
+  // On the zero line, or on the axis when the values are dates above zero.
+  const double y = ValueToY(std::max(0.0, m_scale.YMin));
   SetFontSize(30);
   for (const DateTick& tick : DateTicks(start, end)) {
     const double x =

@@ -34,7 +34,9 @@ void ZelmChart::DrawBars(std::vector<CStats>& series, const QStringList& labels,
   const double u = (m_plot.Right - m_plot.Left) / m_scale.XMax;
   const int k = static_cast<int>(series.size());
   const double b = k > 1 ? u / (k + 1) : u;
-  const double y0 = ValueToY(0);
+  // Bars stand on zero; a date scale starts above zero, so there they stand
+  // on the axis instead of reaching below the plot.
+  const double y0 = ValueToY(std::max(0.0, m_scale.YMin));
   for (int s = 1; s <= k; ++s) {
     CStats& one = series[s - 1];
     const int n = one.count();

@@ -1,6 +1,7 @@
 // Model defaults and the edge cases of drawing, checked on the recorded primitives.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "ChartTestSupport.h"
@@ -106,17 +107,27 @@ TEST(ZelmChartDraw, OneValueAllEqualAllZeroAndNegativeBars) {
   struct Case {
     std::vector<double> values;
     double yMin, yMax;
+    std::int32_t yFormat = kAxisNumber;
   };
-  const Case cases[] = {{{4}, 0, 4}, {{5, 5, 5}, 0, 5}, {{0, 0}, 0, 1}, {{-3, 6, -7}, -10, 10}};
+  // Dates (days since 1899-12-30) keep a scale above zero: their bars stand
+  // on the axis, not on a zero line far below the plot.
+  const Case cases[] = {{{4}, 0, 4},
+                        {{5, 5, 5}, 0, 5},
+                        {{0, 0}, 0, 1},
+                        {{-3, 6, -7}, -10, 10},
+                        {{45000, 45100, 45200}, 44986, 45229.5, kAxisDate}};
   for (const Case& c : cases) {
+    SCOPED_TRACE(c.values.front());
     ZelmChart chart;
+    chart.SetNumberFormat(c.yFormat, kAxisNumber);
     const auto& records = Drawn(chart, 0, {Series(c.values)});
     EXPECT_EQ(chart.Scale().YMin, c.yMin);
     EXPECT_EQ(chart.Scale().YMax, c.yMax);
     const auto boxes = RecordsOf(records, MetaRecord::FillRect);
     ASSERT_EQ(boxes.size(), c.values.size());
-    // Each box stands on the zero line; a negative one hangs below it.
-    const double zero = chart.Scale().ValueToY(0, chart.Plot().Top, chart.Plot().Bottom);
+    // Each box stands on the zero line (or the axis); a negative one hangs below it.
+    const double zero = chart.Scale().ValueToY(std::max(0.0, chart.Scale().YMin), chart.Plot().Top,
+                                               chart.Plot().Bottom);
     for (std::size_t i = 0; i < boxes.size(); ++i) {
       EXPECT_NEAR(boxes[i]->points[0].y(), zero, 0.5001);
       if (c.values[i] < 0) {

@@ -8,7 +8,6 @@
 #include <functional>
 #include <map>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include <QFile>
@@ -19,7 +18,7 @@
 
 #include "common/QvzFixture.h"
 #include "common/QvzRobustness.h"
-#include "core/MetricSave.h"
+#include "core/MetricReadTestSupport.h"
 #include "core/QVZRead.h"
 #include "stats/CStats.h"
 #include "support/ScriptedUiServices.h"
@@ -255,33 +254,15 @@ TEST(CorruptionSweepTest, WrittenFileEveryTruncationAndFlip) {
   ScopedScriptedUi scripted;
   QTemporaryDir dir;
   const QString path = dir.filePath(QStringLiteral("written.qvz"));
-  MetricSave save;
-  ASSERT_TRUE(
-      save.SaveDatabase(path, QStringLiteral("Written"), QStringLiteral("/src/app.vbp"), 45000.25));
-  const std::vector<
-      std::tuple<int, QStringList, std::vector<std::pair<MetricId, std::vector<double>>>>>
-      plan = {
-          {0, {QStringLiteral("app")}, {{1002, {1200}}, {1100, {90}}}},
-          {1,
-           {QStringLiteral("b.c"), QStringLiteral("a.c"), QStringLiteral("c.h")},
-           {{2012, {10, 600, 0}}, {2013, {2, 2, 2}}, {2014, {8, 0.5, -1}}, {2100, {5, 7, 70000}}}},
-          {3, {QStringLiteral("main"), QStringLiteral("r\u00e4kna")}, {{4080, {1, -3}}}},
-      };
-  for (const auto& [classNr, names, series] : plan) {
-    save.AddClass(classNr, static_cast<int32_t>(names.size()), names);
-    for (const auto& [id, values] : series) save.AddMetricToClass(id);
-    save.ClassDone();
-  }
-  ASSERT_TRUE(save.SaveClasses());
-  for (const auto& [classNr, names, series] : plan) {
-    for (const auto& [id, values] : series) {
-      CStats stats;
-      stats.Init(static_cast<int32_t>(values.size()));
-      for (double v : values) stats.AddValue(v);
-      ASSERT_TRUE(save.SaveSeries(stats));
-    }
-  }
-  ASSERT_TRUE(save.Close());
+  test::SaveSpec spec{QStringLiteral("Written"), QStringLiteral("/src/app.vbp"), 45000.25, {}};
+  spec.classes = {
+      {0, {"app"}, {{1002, {1200}}, {1100, {90}}}},
+      {1,
+       {"b.c", "a.c", "c.h"},
+       {{2012, {10, 600, 0}}, {2013, {2, 2, 2}}, {2014, {8, 0.5, -1}}, {2100, {5, 7, 70000}}}},
+      {3, {"main", QStringLiteral("r\u00e4kna")}, {{4080, {1, -3}}}},
+  };
+  ASSERT_TRUE(test::WriteSave(path, spec));
   EXPECT_TRUE(scripted.ui.messages.empty());
   Sweep(QvzFixture::ReadBytes(path), 200);
 }

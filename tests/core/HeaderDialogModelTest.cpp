@@ -1,5 +1,5 @@
-// The header dialog's model: its fields and lines, the checks of "&Save" in
-// order with their messages and focus, the write through EditHeader.
+// Header editing: the dialog's model (fields and lines, the checks of "&Save"
+// in order with their messages and focus) and EditHeader's bytes.
 #include <QDate>
 #include <QFile>
 #include <QProcess>
@@ -13,8 +13,10 @@
 #include "common/QvzFixture.h"
 #include "core/ListModel.h"
 #include "core/MetricRead.h"
+#include "core/MetricReadTestSupport.h"
 #include "core/MetricSave.h"
 #include "core/QVZEditModel.h"
+#include "core/QVZRead.h"
 #include "stats/CStats.h"
 #include "support/DateValue.h"
 #include "support/SettingsStore.h"
@@ -25,33 +27,42 @@ namespace {
 using test::QvzFixture;
 using Field = QVZEditModel::Field;
 
-class HeaderDialogModel : public ::testing::Test {
+class HeaderEdit : public ::testing::Test {
  protected:
   void SetUp() override { DeleteSettingsTree(QStringLiteral("Databases")); }
   void TearDown() override { DeleteSettingsTree(QStringLiteral("Databases")); }
+  QString Path(const QString& name) const { return m_dir.filePath(name); }
 
+  // A written database with rows and values behind the header.
   QString Written() {
-    const QString path = m_dir.filePath(QStringLiteral("written.qvz"));
-    MetricSave save;
-    EXPECT_TRUE(save.SaveDatabase(path, QStringLiteral("Old title"), QStringLiteral("old/project"),
-                                  DateSerial(2023, 6, 1) + TimeSerial(8, 30, 0)));
-    save.AddClass(1, 2, {"b.c", "a.c"});
-    save.AddMetricToClass(2001);
-    save.ClassDone();
-    EXPECT_TRUE(save.SaveClasses());
-    CStats s;
-    s.Init(2);
-    s.AddValue(3);
-    s.AddValue(70000);
-    EXPECT_TRUE(save.SaveSeries(s));
-    EXPECT_TRUE(save.Close());
+    const QString path = Path(QStringLiteral("written.qvz"));
+    test::SaveSpec spec{QStringLiteral("Old title"),
+                        QStringLiteral("old/project"),
+                        DateSerial(2023, 6, 1) + TimeSerial(8, 30, 0),
+                        {}};
+    spec.classes = {{1, {"b.c", "a.c", "c.c"}, {{2001, {1, 500, 70000}}, {2015, {0.1, 0.5, 0.9}}}}};
+    EXPECT_TRUE(test::WriteSave(path, spec));
     DeleteSettingsTree(QStringLiteral("Databases"));  // the writer remembered the folder
     return path;
+  }
+
+  // Edits with the texts and date the reader gives back: nothing changes.
+  bool EditUnchanged(const QString& path) {
+    QVZRead reader;
+    QString error;
+    if (!reader.Opendatabase(path, error)) return false;
+    QString title, project;
+    double date = 0;
+    reader.GetProjectInfo(title, project, date);
+    reader.CloseDatabaseFile();
+    return MetricSave::EditHeader(path, title, project, date);
   }
 
   QTemporaryDir m_dir;
   ScopedScriptedUi m_ui;
 };
+using HeaderDialogModel = HeaderEdit;
+using EditHeaderTest = HeaderEdit;
 
 TEST_F(HeaderDialogModel, FieldsAndLinesOfTheFile) {
   const QString path = Written();
@@ -134,6 +145,11 @@ TEST_F(HeaderDialogModel, EditChangesOnlyTheHeaderAndTheNextScanShowsIt) {
   const QString path = Written();
   const QByteArray before = QvzFixture::ReadBytes(path);
   QVZEditModel model;
+  // Saved unchanged: the time is kept and so is every byte.
+  ASSERT_TRUE(model.Open(path));
+  EXPECT_DOUBLE_EQ(model.DateToWrite(), DateSerial(2023, 6, 1) + TimeSerial(8, 30, 0));
+  ASSERT_TRUE(model.Save());
+  EXPECT_EQ(QvzFixture::ReadBytes(path).toHex().toStdString(), before.toHex().toStdString());
   ASSERT_TRUE(model.Open(path));
   model.Title = QStringLiteral("New title");
   model.DateText = QStringLiteral("2024-02-29");
@@ -153,16 +169,6 @@ TEST_F(HeaderDialogModel, EditChangesOnlyTheHeaderAndTheNextScanShowsIt) {
   ASSERT_EQ(list.ListCount(), 1);
   EXPECT_EQ(list.ItemTag(0), QStringLiteral("New title - Date: 2024-02-29"));
   EXPECT_TRUE(m_ui.ui.messages.empty());
-}
-
-TEST_F(HeaderDialogModel, SavingUnchangedKeepsTheTimeAndTheChecksum) {
-  const QString path = Written();
-  const QByteArray before = QvzFixture::ReadBytes(path);
-  QVZEditModel model;
-  ASSERT_TRUE(model.Open(path));
-  EXPECT_DOUBLE_EQ(model.DateToWrite(), DateSerial(2023, 6, 1) + TimeSerial(8, 30, 0));
-  ASSERT_TRUE(model.Save());
-  EXPECT_EQ(QvzFixture::ReadBytes(path).toHex().toStdString(), before.toHex().toStdString());
 }
 
 // A database that cannot be written: the edit fails with the writer's
@@ -191,6 +197,94 @@ TEST_F(HeaderDialogModel, ReadOnlyDatabase) {
   EXPECT_EQ(model.FocusField(), Field::None);
   EXPECT_TRUE(model.ReaderOpen());
   EXPECT_EQ(QvzFixture::ReadBytes(path), before);
+}
+
+// EditHeader itself: only the 554 header bytes change, the guarded fields
+// stay, the checksum follows the new stamp.
+TEST_F(EditHeaderTest, ChangesOnlyTheHeaderBytes) {
+  const QByteArray before = QvzFixture::ReadBytes(Written());
+  const QString copy = Path(QStringLiteral("copy.qvz"));
+  QvzFixture::WriteBytes(copy, before);
+  ASSERT_TRUE(MetricSave::EditHeader(copy, QStringLiteral("New title \u00fc"),
+                                     QStringLiteral("new/project"),
+                                     DateSerial(2020, 2, 29) + TimeSerial(1, 2, 3)));
+  const QByteArray after = QvzFixture::ReadBytes(copy);
+  ASSERT_EQ(after.size(), before.size());
+  EXPECT_EQ(after.mid(kHeaderSize), before.mid(kHeaderSize));
+
+  EXPECT_EQ(after.mid(0, 16), before.mid(0, 16));  // magic, version, flags
+  EXPECT_EQ(after.mid(16, 214), QByteArray("New title \xc3\xbc") + QByteArray(202, '\0'));
+  EXPECT_EQ(after.mid(230, 32), QvzFixture::ChecksumOf(after));
+  EXPECT_NE(after.mid(230, 32), before.mid(230, 32));
+  EXPECT_EQ(after.mid(262, 10), before.mid(262, 10));
+  EXPECT_EQ(after.mid(272, 214), QByteArray("new/project") + QByteArray(203, '\0'));
+  EXPECT_EQ(after.mid(486, 42), before.mid(486, 42));  // SavedBy, SavedDate
+  EXPECT_EQ(after.mid(528, 24), QByteArray("2020-02-2920200229010203"));
+  EXPECT_EQ(after.mid(552, 2), before.mid(552, 2));
+
+  QVZRead reader;
+  DatabaseHeader header;
+  EXPECT_TRUE(reader.ReadHeader(copy, header, true, true));
+  EXPECT_TRUE(m_ui.ui.messages.empty());
+}
+
+// Saving unchanged values gives back the same file, the checksum included,
+// for a file written here and for files from elsewhere in either encoding.
+TEST_F(EditHeaderTest, UnchangedValuesKeepEveryByte) {
+  QvzFixture utf8 = QvzFixture::SmallestVersion3();
+  utf8.title = QStringLiteral("Caf\u00e9 \u03a9");
+  QvzFixture ansi = QvzFixture::SmallestVersion3();
+  ansi.flags = 1;
+  ansi.title = QStringLiteral("Caf\u00e9");
+  const QStringList paths = {Written(), utf8.Write(Path(QStringLiteral("utf8.qvz"))),
+                             ansi.Write(Path(QStringLiteral("ansi.qvz")))};
+  for (const QString& path : paths) {
+    SCOPED_TRACE(path.toStdString());
+    const QByteArray before = QvzFixture::ReadBytes(path);
+    ASSERT_TRUE(EditUnchanged(path));
+    EXPECT_EQ(QvzFixture::ReadBytes(path).toHex().toStdString(), before.toHex().toStdString());
+  }
+}
+
+TEST_F(EditHeaderTest, AnsiFilesArePaddedWithBlanks) {
+  QvzFixture ansi = QvzFixture::SmallestVersion3();
+  ansi.flags = 1;
+  const QString path = ansi.Write(Path(QStringLiteral("ansi.qvz")));
+  ASSERT_TRUE(MetricSave::EditHeader(path, QStringLiteral("Caf\u00e9 \u03a9"), QStringLiteral("p"),
+                                     DateSerial(2024, 1, 31)));
+  const QByteArray after = QvzFixture::ReadBytes(path);
+  EXPECT_EQ(after.mid(16, 214), QByteArray("Caf\xe9 ?") + QByteArray(208, ' '));
+  EXPECT_EQ(after.mid(272, 214), QByteArray("p") + QByteArray(213, ' '));
+  EXPECT_EQ(after.mid(538, 14), QByteArray("20240131000000"));
+  EXPECT_EQ(after.mid(230, 32), QvzFixture::ChecksumOf(after));
+}
+
+TEST_F(EditHeaderTest, FailuresShowABoxAndWriteNothing) {
+  const QString missing = Path(QStringLiteral("missing.qvz"));
+  const QString shortFile = Path(QStringLiteral("short.qvz"));
+  const QString foreign = Path(QStringLiteral("foreign.qvz"));
+  QvzFixture::WriteBytes(shortFile, QByteArray(553, 'x'));
+  QvzFixture wrongMagic = QvzFixture::SmallestVersion3();
+  wrongMagic.magic = "NOT-KRDB";
+  wrongMagic.Write(foreign);
+  struct Case {
+    QString path;
+    QString message;
+  };
+  const std::vector<Case> cases = {
+      {missing, "Error #5 editing file\r\n" + missing + ":\r\nNo such file or directory"},
+      {shortFile, "Metrics database file too short:\r\n" + shortFile},
+      {foreign, "Invalid metrics database file format:\r\n" + foreign},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.path.toStdString());
+    const QByteArray before = QvzFixture::ReadBytes(c.path);
+    ScopedScriptedUi ui;
+    EXPECT_FALSE(MetricSave::EditHeader(c.path, QStringLiteral("t"), QStringLiteral("p"), 45000));
+    EXPECT_ONLY_UI_MESSAGE(ui.ui, c.message.toStdString(), MsgStyle::Exclamation);
+    EXPECT_EQ(QvzFixture::ReadBytes(c.path), before);
+  }
+  EXPECT_FALSE(QFile::exists(missing));
 }
 
 }  // namespace

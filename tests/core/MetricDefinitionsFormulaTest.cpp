@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "core/MetricDefinitions.h"
+#include "stats/FormulaCalculator.h"
 
 #include <algorithm>
 #include <cmath>
@@ -94,72 +95,18 @@ bool IsNameless(int id) {
   return std::find(std::begin(kNameless), std::end(kNameless), id) != std::end(kNameless);
 }
 
-// Evaluates a recipe on single values with the evaluator's slot rules: A is
-// the left operand, B the last operand used, C where the result goes. A zero
-// divisor gives 0. Records the highest slot touched and the highest operand
-// slot read.
-struct SlotWalk {
-  double result = 0;
-  int highestSlot = 1;
-  int highestOperand = 1;
-  int finalSlot = 1;
-};
-
-SlotWalk Walk(const MetricFormula& f, const std::map<int, double>& values) {
-  double slots[MetricFormula::MaxTerms + 2] = {};
-  for (int i = 0; i < f.TermCount(); ++i)
-    slots[i + 1] = values.count(f.Terms[i]) ? values.at(f.Terms[i]) : 0;
-  SlotWalk w;
-  int a = 1, b = 1, c = 1;
-  for (int step = 0; step < f.StepCount; ++step) {
-    switch (f.Operators[step]) {
-      case FormulaOpenBracket:
-        ++b;
-        a = b;
-        ++c;
-        break;
-      case FormulaCloseBracket:
-        --c;
-        a = c;
-        b = c;
-        break;
-      case FormulaSquare:
-        slots[c] = slots[a] * slots[a];
-        break;
-      case FormulaDouble:
-        slots[c] = slots[a] * 2;
-        break;
-      case FormulaSquareRoot:
-        slots[c] = std::sqrt(slots[a]);
-        break;
-      default: {
-        ++b;
-        if (b > MetricFormula::MaxTerms) return w;
-        const double l = slots[a], r = slots[b];
-        switch (f.Operators[step]) {
-          case FormulaAdd:
-            slots[c] = l + r;
-            break;
-          case FormulaMultiply:
-            slots[c] = l * r;
-            break;
-          case FormulaDivide:
-            slots[c] = r == 0 ? 0 : l / r;
-            break;
-          case FormulaSubtract:
-            slots[c] = l - r;
-            break;
-        }
-        a = c;
-      }
-    }
-    w.highestSlot = std::max({w.highestSlot, a, b, c});
-    if (f.Operators[step] != FormulaCloseBracket) w.highestOperand = std::max(w.highestOperand, b);
-    if (a < 1 || c < 1 || w.highestSlot > MetricFormula::MaxTerms) return w;
-  }
-  w.finalSlot = c;
-  w.result = slots[1];
-  return w;
+// One recipe run by the program's evaluator on single values, each term's
+// value looked up by its metric number.
+double Evaluate(const MetricFormula& f, const std::map<int, double>& values) {
+  CStats result;
+  const auto read = [&](std::int32_t metric, CStats& column) {
+    column = CStats();
+    column.Init(1, false);
+    column.AddValue(values.count(metric) ? values.at(metric) : 0);
+    return true;
+  };
+  EXPECT_TRUE(FormulaCalculator().Evaluate(f, read, result));
+  return result.count() == 1 ? result.ValueAtIndex(1) : std::nan("");
 }
 
 }  // namespace
@@ -224,17 +171,28 @@ TEST(MetricDefinitionsFormula, TermsAndSummariesAreKnownNumbers) {
   }
 }
 
+// Every recipe evaluates within the slots, and its result depends on each of
+// its terms: no term is left unused.
 TEST(MetricDefinitionsFormula, StepsUseEveryTermAndStayInsideTheSlots) {
   MetricDefinitions defs;
+  const FormulaCalculator calculator;
   for (const FormulaRow& row : kFormulaTable) {
     if (row.summaryMetric != 0) continue;
     SCOPED_TRACE(row.id);
     MetricFormula f;
     ASSERT_TRUE(defs.GetMetricFormula(row.id, f));
-    const SlotWalk w = Walk(f, {});
-    EXPECT_LE(w.highestSlot, MetricFormula::MaxTerms);
-    EXPECT_EQ(w.highestOperand, f.TermCount());
-    EXPECT_EQ(w.finalSlot, 1);  // brackets are balanced
+    const auto run = [&](int changed) {
+      FormulaCalculator::TermSeries series;
+      for (int i = 0; i < f.TermCount(); ++i) {
+        series[i].Init(1, false);
+        series[i].AddValue(i == changed ? 7.0 * (i + 2) + 1 : i + 2.0);
+      }
+      CStats result;
+      EXPECT_TRUE(calculator.Calculate(f, series, result));
+      return result.count() == 1 ? result.ValueAtIndex(1) : std::nan("");
+    };
+    const double base = run(-1);
+    for (int i = 0; i < f.TermCount(); ++i) EXPECT_NE(run(i), base) << "term " << i;
   }
 }
 
@@ -261,7 +219,7 @@ TEST(MetricDefinitionsFormula, RecipesComputeWhatTheirFormulaSays) {
   for (const auto& r : rows) {
     MetricFormula f;
     ASSERT_TRUE(defs.GetMetricFormula(r.id, f)) << r.id;
-    EXPECT_DOUBLE_EQ(Walk(f, r.values).result, r.expected) << r.id;
+    EXPECT_DOUBLE_EQ(Evaluate(f, r.values), r.expected) << r.id;
   }
 }
 

@@ -26,6 +26,7 @@ struct SaveClass {
   int classNr = 0;
   QStringList rows;
   std::vector<std::pair<int32_t, std::vector<double>>> series;
+  int32_t itemCount = -1;  // the class's row count; -1: one row per name
 };
 
 // One save of a project.
@@ -51,7 +52,8 @@ inline bool WriteSave(const QString& path, const SaveSpec& spec) {
   MetricSave save;
   if (!save.SaveDatabase(path, spec.title, spec.project, spec.date)) return false;
   for (const SaveClass& c : spec.classes) {
-    save.AddClass(c.classNr, static_cast<int32_t>(c.rows.size()), c.rows);
+    save.AddClass(c.classNr, c.itemCount < 0 ? static_cast<int32_t>(c.rows.size()) : c.itemCount,
+                  c.rows);
     for (const auto& s : c.series) save.AddMetricToClass(s.first);
     save.ClassDone();
   }

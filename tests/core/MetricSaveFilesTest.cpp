@@ -1,5 +1,5 @@
 // Files written by MetricSave: row names, value order, every encoding opened
-// by the reader, completion and what a failure leaves behind.
+// and read back by the reader, completion and what a failure leaves behind.
 #include <map>
 
 #include <QDir>
@@ -9,6 +9,7 @@
 
 #include "common/MessageAssertions.h"
 #include "common/QvzFixture.h"
+#include "core/MetricReadTestSupport.h"
 #include "core/MetricSave.h"
 #include "core/QVZFormat.h"
 #include "core/QVZRead.h"
@@ -28,7 +29,7 @@ CStats Series(const std::vector<double>& values) {
   return s;
 }
 
-// One class to write: its rows and its series (metric id and values).
+// One class to write: its row count, its names and its series.
 struct ClassPlan {
   int classNr;
   int32_t itemCount;
@@ -37,23 +38,13 @@ struct ClassPlan {
 };
 
 bool WriteFile(const QString& path, const std::vector<ClassPlan>& plan) {
-  MetricSave save;
-  if (!save.SaveDatabase(path, QStringLiteral("Title"), QStringLiteral("Project"),
-                         DateSerial(2024, 1, 31)))
-    return false;
-  for (const ClassPlan& c : plan) {
-    save.AddClass(c.classNr, c.itemCount, c.names);
-    for (const auto& s : c.series) save.AddMetricToClass(s.first);
-    save.ClassDone();
-  }
-  if (!save.SaveClasses()) return false;
-  for (const ClassPlan& c : plan) {
-    for (const auto& s : c.series) {
-      CStats stats = Series(s.second);
-      if (!save.SaveSeries(stats)) return false;
-    }
-  }
-  return save.Close();
+  test::SaveSpec spec{QStringLiteral("Title \u00e9\u03a9"),
+                      QStringLiteral("/src/a.vbp"),
+                      DateSerial(2024, 1, 31) + TimeSerial(7, 8, 9),
+                      {}};
+  for (const ClassPlan& c : plan)
+    spec.classes.push_back({c.classNr, c.names, c.series, c.itemCount});
+  return test::WriteSave(path, spec);
 }
 
 // The row-name block of the k-th class (0-based in file order) as stored.
@@ -108,6 +99,7 @@ TEST_F(MetricSaveFiles, RowNameBlocksSortedWithTheirEncoding) {
     int32_t itemCount;
     QStringList names;
     QByteArray block;
+    QStringList read;  // names as the reader gives them back
   };
   const auto head = [](int32_t length, int32_t encoding) {
     QByteArray out;
@@ -117,21 +109,31 @@ TEST_F(MetricSaveFiles, RowNameBlocksSortedWithTheirEncoding) {
     return out;
   };
   const std::vector<Case> cases = {
-      {"unsorted", 3, {"b", "A", "c"}, head(5, 0) + QByteArray("A\0b\0c", 5)},
-      {"sorted", 3, {"A", "b", "c"}, head(5, 0) + QByteArray("A\0b\0c", 5)},
-      {"1252",
+      {"unsorted", 3, {"b", "A", "c"}, head(5, 0) + QByteArray("A\0b\0c", 5), {"A", "b", "c"}},
+      {"sorted", 3, {"A", "b", "c"}, head(5, 0) + QByteArray("A\0b\0c", 5), {"A", "b", "c"}},
+      {"1252, a character outside the code page becomes ?",
        3,
        {QStringLiteral("\u00e9t\u00e9"), "Zeta", QStringLiteral("\u03a9mega")},
-       head(14, 0) + QByteArray("Zeta\0\xe9t\xe9\0?mega", 14)},
-      {"only tildes go out in UTF-8", 2, {"~~", "~"}, head(4, 2) + QByteArray("~\0~~", 4)},
-      {"empty class", 0, {}, head(0, 0)},
-      {"only empty names", 2, {"", ""}, head(0, 0)},
-      {"one row", 1, {"only"}, head(4, 0) + QByteArray("only")},
-      {"fewer names than rows", 3, {"b", "a"}, head(3, 0) + QByteArray("a\0b", 3)},
+       head(14, 0) + QByteArray("Zeta\0\xe9t\xe9\0?mega", 14),
+       {"Zeta", QStringLiteral("\u00e9t\u00e9"), "?mega"}},
+      {"only tildes go out in UTF-8",
+       2,
+       {"~~", "~"},
+       head(4, 2) + QByteArray("~\0~~", 4),
+       {"~", "~~"}},
+      {"empty class", 0, {}, head(0, 0), {}},
+      {"only empty names", 2, {"", ""}, head(0, 0), {"#1", "#2"}},
+      {"one row", 1, {"only"}, head(4, 0) + QByteArray("only"), {"only"}},
+      {"fewer names than rows",
+       3,
+       {"b", "a"},
+       head(3, 0) + QByteArray("a\0b", 3),
+       {"a", "b", "#3"}},
       {"names beyond the rows dropped",
        2,
        {"d", "c", "b", "a"},
-       head(3, 0) + QByteArray("c\0d", 3)},
+       head(3, 0) + QByteArray("c\0d", 3),
+       {"c", "d"}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -143,6 +145,12 @@ TEST_F(MetricSaveFiles, RowNameBlocksSortedWithTheirEncoding) {
     EXPECT_EQ(reader.GetClassSize(2), c.itemCount);
     const QByteArray file = QvzFixture::ReadBytes(path);
     EXPECT_EQ(RowBlock(file, reader, 0).toHex().toStdString(), c.block.toHex().toStdString());
+    QStringList names;
+    std::vector<int32_t> order;
+    reader.GetRowHeaders(2, names, order);
+    EXPECT_EQ(names, c.read);
+    for (int32_t i = 0; i < static_cast<int32_t>(order.size()); ++i)
+      EXPECT_EQ(order[i], i + 1) << "stored sorted";
   }
 }
 
@@ -190,7 +198,8 @@ TEST_F(MetricSaveFiles, NamesEqualButForCaseKeepTheirValues) {
 }
 
 // Every encoding, an empty class and one-row classes in one file: the reader
-// opens it, the checksum verifies, and the stored values are the ones given.
+// opens it, the checksum verifies, the stored values are the ones given and
+// the reader gives them back under their rows.
 TEST_F(MetricSaveFiles, EveryEncodingOpensInTheReader) {
   const QString path = Path(QStringLiteral("all.qvz"));
   const std::vector<ClassPlan> plan = {
@@ -217,6 +226,9 @@ TEST_F(MetricSaveFiles, EveryEncodingOpensInTheReader) {
   QString error;
   ASSERT_TRUE(reader.Opendatabase(path, error)) << error.toStdString();
   EXPECT_EQ(reader.ClassOrderCount(), 5);
+  EXPECT_EQ(reader.Title(), QStringLiteral("Title \u00e9\u03a9"));
+  EXPECT_EQ(reader.ProjectFilename(), QStringLiteral("/src/a.vbp"));
+  EXPECT_EQ(reader.GetAnalysisDate(), DateSerial(2024, 1, 31) + TimeSerial(7, 8, 9));
   const std::vector<int32_t> sizes = {1, 4, 0, 0, 1};
   const std::vector<std::vector<int32_t>> ids = {
       {1002, 1012}, {2001, 2012, 2013, 2014, 2015, 2030}, {3001}, {}, {5001}};
@@ -243,6 +255,20 @@ TEST_F(MetricSaveFiles, EveryEncodingOpensInTheReader) {
   EXPECT_EQ(values(3), (std::vector<double>{6, 6, 6, 6}));
   EXPECT_EQ(values(4), (std::vector<double>{0.3, 0.2, 0.4, 0.1}));
   EXPECT_EQ(values(5), (std::vector<double>{0, 0, 0, 1e12}));
+  QStringList names;
+  std::vector<int32_t> order;
+  reader.GetRowHeaders(1, names, order);
+  EXPECT_EQ(names, (QStringList{"a.c", "b.c", "c.c", "d.c"}));
+  for (size_t j = 0; j < plan[1].series.size(); ++j) {
+    CStats read;
+    ASSERT_TRUE(reader.ReadSeries(plan[1].series[j].first, read, 0)) << j;
+    std::vector<double> got;
+    for (int32_t row = 1; row <= read.count(); ++row) got.push_back(read.ValueAtIndex(row));
+    EXPECT_EQ(got, values(static_cast<int>(j))) << j;
+  }
+  double value = 0;
+  EXPECT_TRUE(reader.ReadValueForRow(2012, QStringLiteral("A.C"), value));
+  EXPECT_EQ(value, 9);
   const SeriesHeader project =
       SeriesHeader::Decode(file.constData() + reader.Slot(0).SeriesPositions[0] - 1);
   EXPECT_EQ(project.Count, 1);

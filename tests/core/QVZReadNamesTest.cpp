@@ -174,41 +174,34 @@ TEST(QVZReadNames, RowCountsTheFileCannotBackGetNoNames) {
   EXPECT_EQ(NamesOf(reader2, 4), (QStringList{"#1", "#2", "#3"}));
 }
 
+// Older files name each row's file by number; version 3 files have no
+// numbers and every row gives the first file.
 TEST(QVZReadNames, ItemFileFollowsFileNumbersOfOlderFiles) {
-  QvzFixture f;
-  f.version = 2.0f;
-  ClassSpec& files = f.AddClass(1, 2);
-  files.rowNames = {"a.c", "b.c"};
-  files.fileNrs = {7, 9};
-  ClassSpec& procs = f.AddClass(3, 3);
-  procs.rowNames = {"p1", "p2", "p3"};
-  procs.fileNrs = {9, 7, 4};
-  QTemporaryDir dir;
-  QVZRead reader;
-  ASSERT_TRUE(OpenFixture(reader, dir, f));
-  const std::vector<std::pair<int32_t, QString>> cases = {
-      {1, "b.c"}, {2, "a.c"}, {3, ""}, {0, ""}, {4, ""}};
-  for (const auto& [row, expected] : cases) {
-    QString filename = "stale";
-    reader.GetItemFile(3, row, filename);
-    EXPECT_EQ(filename, expected) << row;
-  }
-}
-
-TEST(QVZReadNames, ItemFileOfVersion3IsTheFirstFile) {
-  QvzFixture f;
-  ClassSpec& files = f.AddClass(1, 2);
-  files.rowNames = {"a.c", "b.c"};
-  files.series.push_back(SeriesSpec::Stored(2001, 3, {1, 2}));
-  ClassSpec& procs = f.AddClass(3, 2);
-  procs.rowNames = {"p1", "p2"};
-  procs.series.push_back(SeriesSpec::Stored(4001, 3, {1, 2}));
-  QTemporaryDir dir;
-  QVZRead reader;
-  ASSERT_TRUE(OpenFixture(reader, dir, f));
-  for (int32_t row : {1, 2}) {
-    QString filename;
-    reader.GetItemFile(3, row, filename);
-    EXPECT_EQ(filename, "a.c") << row;
+  for (const float version : {2.0f, 3.0f}) {
+    SCOPED_TRACE(version);
+    QvzFixture f;
+    f.version = version;
+    ClassSpec& files = f.AddClass(1, 2);
+    files.rowNames = {"a.c", "b.c"};
+    files.fileNrs = {7, 9};
+    ClassSpec& procs = f.AddClass(3, 3);
+    procs.rowNames = {"p1", "p2", "p3"};
+    procs.fileNrs = {9, 7, 4};
+    if (version >= 3.0f) {
+      files.series.push_back(SeriesSpec::Stored(2001, 3, {1, 2}));
+      procs.series.push_back(SeriesSpec::Stored(4001, 3, {1, 2, 3}));
+    }
+    QTemporaryDir dir;
+    QVZRead reader;
+    ASSERT_TRUE(OpenFixture(reader, dir, f));
+    const std::vector<std::pair<int32_t, QString>> cases =
+        version >= 3.0f ? std::vector<std::pair<int32_t, QString>>{{1, "a.c"}, {2, "a.c"}}
+                        : std::vector<std::pair<int32_t, QString>>{
+                              {1, "b.c"}, {2, "a.c"}, {3, ""}, {0, ""}, {4, ""}};
+    for (const auto& [row, expected] : cases) {
+      QString filename = "stale";
+      reader.GetItemFile(3, row, filename);
+      EXPECT_EQ(filename, expected) << row;
+    }
   }
 }

@@ -2,6 +2,8 @@
 // file dialogs, and bad input that must leave the stored sets alone.
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include <QFile>
 
 #include "common/MessageAssertions.h"
@@ -14,10 +16,7 @@
 namespace ombrelle {
 namespace {
 
-QByteArray ReadAll(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+using test::ReadAll;
 
 // A fixture with a scripted service and a rules dialog that, when it has a
 // script, runs it and accepts.
@@ -180,28 +179,38 @@ TEST_F(LimitMaintenanceTest, DamagedOrEmptyImportChangesNoStoredSet) {
   LimitMaintenanceModel model;
   AddSet(model, QStringLiteral("Kept"));
   const QString before = SettingsBytes();
+  QByteArray huge = "[MTL Metric limits]\r\nVersion=1.0\r\nName=H\r\nRules=1\r\n";
+  for (int i = 0; i < 140000; ++i) huge += "K" + QByteArray::number(i) + "=1\n";
   const struct {
     const char* name;
-    QByteArray bytes;
+    std::optional<QByteArray> bytes;  // none: the file does not exist
   } files[] = {
       {"empty.mtl", QByteArray()},
       {"cut.mtl", QByteArray("[MTL Metric limits]\r\nVersi")},
       {"binary.mtl", QByteArray("\x00\xff\x13[\x00]=\n\x01", 9)},
-      {"newer.mtl", QByteArray("[MTL Metric limits]\r\nVersion=2.0\r\nName=X\r\nRules=0\r\n")},
+      {"newer.mtl", QByteArray("[MTL Metric limits]\r\nVersion=2.0\r\nName=X\r\nRules=1\r\n\r\n"
+                               "[Rule1]\r\nMetric=4120\r\nLimitType=0\r\nLimit=12\r\n")},
+      {"nohead.mtl", QByteArray("[Rule1]\r\nMetric=4120\r\nLimitType=0\r\nLimit=12\r\n")},
+      {"huge.mtl", huge},
+      {"missing.mtl", std::nullopt},
   };
   for (const auto& file : files) {
+    SCOPED_TRACE(file.name);
     const QString path = TempPath(QString::fromLatin1(file.name));
-    QFile out(path);
-    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-    out.write(file.bytes);
-    out.close();
+    if (file.bytes) {
+      QFile out(path);
+      ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+      out.write(*file.bytes);
+    }
     m_scripted.ui.messages.clear();
+    m_scripted.ui.inputPrompts.clear();
     m_scripted.ui.fileAnswers = {path};
     m_scripted.ui.inputAnswers = {QStringLiteral("Never asked")};
     model.Import();
     EXPECT_ONLY_UI_MESSAGE(m_scripted.ui,
                            ("Unsupported file format or version in " + path).toStdString(), 48);
-    EXPECT_EQ(SettingsBytes(), before) << file.name;
+    EXPECT_TRUE(m_scripted.ui.inputPrompts.empty());
+    EXPECT_EQ(SettingsBytes(), before);
     EXPECT_EQ(model.List().Count(), 6);
     EXPECT_EQ(model.List().At(model.List().Selected()).text, "Kept");
   }

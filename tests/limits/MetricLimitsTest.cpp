@@ -11,13 +11,9 @@
 namespace ombrelle {
 namespace {
 
-using test::LimitsSettingsTest;
+using test::Rules;
 
-std::vector<MetricLimitRule> Rules(const MetricLimits& limits) {
-  std::vector<MetricLimitRule> rules;
-  for (int i = 1; i <= limits.RuleCount(); ++i) rules.push_back(limits.GetRule(i));
-  return rules;
-}
+using test::LimitsSettingsTest;
 
 // Writes a stored set by hand, as a hand-edited or newer file would leave it.
 void WriteRule(int set, int position, const QString& metric, const QString& type,
@@ -158,24 +154,6 @@ TEST_F(LimitsSettingsTest, BuiltInSetsAreNeverSaved) {
   limits.Save();
   EXPECT_TRUE(EnumSubkeys(QStringLiteral("Limits")).isEmpty());
   EXPECT_TRUE(GetAllSettings(QStringLiteral("Limits\\-1")).empty());
-}
-
-TEST_F(LimitsSettingsTest, LoadKeepsWhatItCanOfAHandEditedSet) {
-  WriteSetHead(2, QStringLiteral("Edited"), QStringLiteral("1.0"), QStringLiteral("5"));
-  WriteRule(2, 1, QStringLiteral("4120"), QStringLiteral("0"), {{"Limit", "12"}});
-  WriteRule(2, 2, QStringLiteral("4120"), QStringLiteral("7"), {{"Limit", "3"}});  // unknown type
-  WriteRule(2, 3, QStringLiteral("9999"), QStringLiteral("0"), {{"Limit", "3"}});  // unknown metric
-  WriteRule(2, 4, QStringLiteral("1014"), QStringLiteral("1"),
-            {{"LimitMin", ".1"}, {"LimitMax", "abc"}});
-  // Rule5 is missing: it reads as metric 0 of type -1 and goes.
-
-  MetricLimits limits;
-  ASSERT_TRUE(limits.Load(2));
-  EXPECT_EQ(limits.GetName(), QStringLiteral("Edited"));
-  EXPECT_EQ(Rules(limits), (std::vector<MetricLimitRule>{{4120, 0, 12, 0}, {1014, 1, 0.1, 0}}));
-  // The store is not touched by loading.
-  EXPECT_EQ(GetSetting(QStringLiteral("Limits\\2\\Rule2"), QStringLiteral("LimitType")),
-            QStringLiteral("7"));
 }
 
 TEST_F(LimitsSettingsTest, NegativeRuleCountAndMissingNameReadAsDefaults) {

@@ -11,10 +11,7 @@
 namespace ombrelle {
 namespace {
 
-QByteArray ReadAll(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+using test::ReadAll;
 
 class MtlRegressionTest : public test::LimitsSettingsTest {
  protected:

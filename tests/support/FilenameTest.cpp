@@ -263,3 +263,21 @@ TEST(MakeUniqueFilename, FirstFreeName) {
   EXPECT_EQ(path.size(), 259);
   EXPECT_TRUE(path.endsWith("nnn.txt"));
 }
+
+TEST(ResolvePath, FoldsDotsAgainstBase) {
+  struct Case {
+    const char* base;
+    const char* path;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {"/a/b", "../c", "/a/c"}, {"/a/b/", "./c/./d", "/a/b/c/d"}, {"/a/b", "/x/../y", "/y"},
+      {"/", "c", "/c"},         {"/a", "../../..", "/"},          {"/a//b", "c", "/a/b/c"},
+  };
+  for (const Case& c : cases)
+    EXPECT_EQ(ResolvePath(c.base, c.path).toStdString(), c.expected) << c.base << " + " << c.path;
+}
+
+TEST(ResolvePath, EmptyBaseIsCurrentDirectory) {
+  EXPECT_EQ(ResolvePath("", "x.qvz"), QDir::currentPath() + "/x.qvz");
+}

@@ -100,6 +100,26 @@ TEST(SettingsStore, TwoStoresKeepEachOthersKeys) {
   EXPECT_EQ(GetSetting("Databases", "SavePath"), "/saves");
 }
 
+TEST(SettingsStore, RoundTripsNestedSections) {
+  SettingsFile file;
+  EXPECT_EQ(GetSetting("Options", "Missing", "-1"), "-1");
+  SaveSetting("Limits\\3", "Name", "Mine");
+  SaveSetting("Limits\\3\\Rule1", "Metric", "1200");
+  SaveSetting("Limits\\4", "Name", "Other");
+  EXPECT_EQ(GetSetting("Limits\\3", "Name"), "Mine");
+  EXPECT_EQ(EnumSubkeys("Limits"), QStringList({"3", "4"}));
+  EXPECT_EQ(EnumSubkeys("Limits\\3"), QStringList({"Rule1"}));
+  const auto all = GetAllSettings("Limits\\3");
+  ASSERT_EQ(all.size(), 1u);
+  EXPECT_EQ(all[0].first, "Name");
+  DeleteSettingsTree("Limits\\3");
+  EXPECT_EQ(GetSetting("Limits\\3\\Rule1", "Metric", "gone"), "gone");
+  EXPECT_EQ(EnumSubkeys("Limits"), QStringList({"4"}));
+  EXPECT_TRUE(GetAllSettings("NoSuchSection").empty());
+  DeleteSetting("Limits\\4", "Name");
+  EXPECT_EQ(GetSetting("Limits\\4", "Name", "x"), "x");
+}
+
 TEST(WindowPlacement, KeysWithAndWithoutIndex) {
   EXPECT_EQ(WindowPlacementKey("frmX", -1, ".Left"), "frmX.Left");
   EXPECT_EQ(WindowPlacementKey("frmX", 2, ".Left"), "frmX(2).Left");

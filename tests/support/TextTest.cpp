@@ -88,3 +88,9 @@ TEST(ScanNumber, PlainDecimalScan) {
       {"+3", 3},  {"1.2.3", 1.2}, {"-", 0},      {"1e999", 0}};
   for (const auto& [text, value] : cases) EXPECT_DOUBLE_EQ(ScanNumber(text), value) << text;
 }
+
+TEST(ExpandTabs, AlignsTextAfterTabToColumn) {
+  EXPECT_EQ(ExpandTabs("ab\tc\r\nabcd\te\r\n", 6), "ab   c\r\nabcd e\r\n");
+  EXPECT_EQ(ExpandTabs("no tabs", 10), "no tabs");
+  EXPECT_EQ(ExpandTabs("long\tx", 2), "long x");
+}

@@ -105,18 +105,6 @@ TEST(SampleGenerator, StoredMetricsLeaveDerivedOnesToTheirRecipes) {
   EXPECT_EQ(StoredSampleMetrics(4), (std::vector<MetricId>{5001, 5002, 5020, 5100}));
 }
 
-TEST(SampleGenerator, SameSaveGivesTheSameDatabase) {
-  const SampleProject& p = Project(QStringLiteral("Harbour"));
-  const SampleDatabase a = GenerateSample(p, 3);
-  const SampleDatabase& b = Save(p, 3);
-  ASSERT_EQ(a.Tables.size(), b.Tables.size());
-  for (size_t c = 0; c < a.Tables.size(); ++c) {
-    EXPECT_EQ(a.Tables[c].Names, b.Tables[c].Names);
-    for (size_t s = 0; s < a.Tables[c].Series.size(); ++s)
-      EXPECT_EQ(a.Tables[c].Series[s].Values, b.Tables[c].Series[s].Values);
-  }
-}
-
 TEST(SampleGenerator, ProjectsHaveTheirSizesAndAStoryOfAboutTwoYears) {
   struct Case {
     const char* name;

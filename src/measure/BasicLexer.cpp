@@ -1,0 +1,322 @@
+#include "measure/BasicLexer.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace ombrelle {
+
+namespace {
+
+bool IsBlank(char16_t c) { return c <= u' ' || c == 0x00A0 || c == 0xFEFF; }
+
+bool IsWordStart(QChar c) {
+  const char16_t u = c.unicode();
+  if (u < 0x80) return (u >= u'a' && u <= u'z') || (u >= u'A' && u <= u'Z');
+  return c.isLetter();
+}
+
+bool IsWordChar(QChar c) {
+  const char16_t u = c.unicode();
+  if (u < 0x80)
+    return (u >= u'a' && u <= u'z') || (u >= u'A' && u <= u'Z') || (u >= u'0' && u <= u'9') ||
+           u == u'_';
+  return c.isLetterOrNumber();
+}
+
+bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+bool IsDateChar(char16_t c) {
+  return IsDigit(c) || c == u'/' || c == u'-' || c == u':' || c == u'.' || c == u',' || c == u' ' ||
+         c == u'A' || c == u'P' || c == u'M' || c == u'a' || c == u'p' || c == u'm';
+}
+
+// Words that may stand first on a line followed by a colon without being a
+// label: the colon then separates statements.
+bool NeverLabel(QStringView w) {
+  static const char* const kWords[] = {"else",   "do",     "loop", "next", "wend",
+                                       "resume", "return", "stop", "end",  "exit"};
+  for (const char* k : kWords)
+    if (w.compare(QLatin1String(k), Qt::CaseInsensitive) == 0) return true;
+  return false;
+}
+
+// First word of a line (after blanks), or an empty view.
+QStringView FirstWord(QStringView line, qsizetype* after = nullptr) {
+  qsizetype i = 0;
+  while (i < line.size() && IsBlank(line[i].unicode())) ++i;
+  const qsizetype start = i;
+  while (i < line.size() && (IsWordChar(line[i]) || line[i] == u'.')) ++i;
+  if (after) *after = i;
+  return line.mid(start, i - start);
+}
+
+bool Same(QStringView a, const char* b) {
+  return a.compare(QLatin1String(b), Qt::CaseInsensitive) == 0;
+}
+
+}  // namespace
+
+BasicLexer::BasicLexer(const QString& text, const std::vector<PhysicalLine>& lines)
+    : m_text(text), m_lines(lines) {
+  if (!lines.empty()) {
+    const QStringView first = QStringView(text).mid(lines[0].begin, lines[0].length);
+    if (Same(FirstWord(first), "VERSION")) m_headerDepth = 0;
+  }
+}
+
+bool BasicLexer::Is(const Token& t, QStringView word) const {
+  return t.kind == TokenKind::Word && Text(t).compare(word, Qt::CaseInsensitive) == 0;
+}
+
+bool BasicLexer::Next(LogicalLine& out) {
+  out.tokens.clear();
+  out.statements.clear();
+  out.directive = out.hasComment = out.meaningfulComment = false;
+  if (m_line >= m_lines.size()) {
+    if (m_headerDepth > 0) {
+      m_problems << QStringLiteral("the designer header is not closed");
+      m_headerDepth = -1;
+    }
+    if (m_unterminatedStrings > 0) {
+      m_problems << QStringLiteral("%1 unterminated string(s)").arg(m_unterminatedStrings);
+      m_unterminatedStrings = 0;
+    }
+    return false;
+  }
+  out.firstLine = static_cast<int>(m_line);
+  out.lineCount = 1;
+  if (HiddenLine(out)) {
+    out.kind = LineKind::Hidden;
+    ++m_line;
+    return true;
+  }
+  ScanCode(out);
+  return true;
+}
+
+bool BasicLexer::HiddenLine(LogicalLine& out) {
+  (void)out;
+  const PhysicalLine& pl = m_lines[m_line];
+  const QStringView line = QStringView(m_text).mid(pl.begin, pl.length);
+  qsizetype after = 0;
+  const QStringView word = FirstWord(line, &after);
+  if (m_headerDepth > 0) {
+    if (Same(word, "Begin") || Same(word, "BeginProperty")) {
+      if (Same(word, "Begin")) {
+        // Begin Library.Kind Name: the name of a control on the form.
+        const QStringView rest = line.mid(after);
+        qsizetype afterKind = 0;
+        FirstWord(rest, &afterKind);
+        const QStringView name = FirstWord(rest.mid(afterKind));
+        if (!name.isEmpty()) m_controls << name.toString();
+      }
+      ++m_headerDepth;
+    } else if (Same(word, "End") || Same(word, "EndProperty")) {
+      if (--m_headerDepth == 0) m_headerDepth = -1;  // the header ends with this line
+    }
+    return true;
+  }
+  if (m_headerDepth == 0) {
+    // Before the outermost Begin: the version line, the component lines.
+    if (Same(word, "Begin")) {
+      m_headerDepth = 1;
+      return true;
+    }
+    if (Same(word, "VERSION") || Same(word, "Object") || word.isEmpty()) return true;
+    m_headerDepth = -1;
+  }
+  if (Same(word, "Attribute") && after < line.size() && IsBlank(line[after].unicode())) {
+    const QStringView rest = line.mid(after);
+    qsizetype afterName = 0;
+    if (Same(FirstWord(rest, &afterName), "VB_Name")) {
+      const qsizetype open = rest.indexOf(u'"', afterName);
+      const qsizetype close = open < 0 ? -1 : rest.indexOf(u'"', open + 1);
+      if (close > open + 1) m_moduleName = rest.mid(open + 1, close - open - 1).toString();
+    }
+    return true;
+  }
+  return false;
+}
+
+void BasicLexer::EndStatement(LogicalLine& out, int& statementBegin) {
+  const int size = static_cast<int>(out.tokens.size());
+  if (size > statementBegin) out.statements.emplace_back(statementBegin, size);
+  statementBegin = size;
+}
+
+void BasicLexer::ScanCode(LogicalLine& out) {
+  const QChar* p = m_text.constData();
+  size_t line = m_line;
+  qsizetype lineStart = 0, pos = 0, end = 0, lastNonBlank = 0;
+  auto enterLine = [&](size_t l) {
+    line = l;
+    lineStart = pos = m_lines[l].begin;
+    end = lineStart + m_lines[l].length;
+    lastNonBlank = end - 1;
+    while (lastNonBlank >= lineStart && IsBlank(p[lastNonBlank].unicode())) --lastNonBlank;
+  };
+  // A "_" that is the last thing on its line and follows a blank joins the next line.
+  auto isContinuation = [&](qsizetype at) {
+    return at == lastNonBlank && p[at] == u'_' && (at == lineStart || IsBlank(p[at - 1].unicode()));
+  };
+  auto nextLine = [&]() {
+    if (line + 1 >= m_lines.size()) return false;
+    enterLine(line + 1);
+    ++out.lineCount;
+    return true;
+  };
+  auto scanComment = [&]() {
+    out.hasComment = true;
+    for (;;) {
+      for (; pos < end; ++pos) {
+        if (isContinuation(pos)) break;
+        if (p[pos].isLetterOrNumber()) out.meaningfulComment = true;
+      }
+      if (pos < end && nextLine()) continue;
+      break;
+    }
+  };
+
+  auto push = [&](TokenKind kind, qsizetype from, qsizetype to) {
+    const qsizetype length = std::min<qsizetype>(to - from, std::numeric_limits<int>::max());
+    out.tokens.push_back({kind, static_cast<int>(length), from});
+  };
+
+  enterLine(m_line);
+  int statementBegin = 0;
+  bool hasCode = false;
+  bool first = true;  // nothing seen yet on the logical line
+  {
+    qsizetype i = pos;
+    while (i < end && IsBlank(p[i].unicode())) ++i;
+    if (i + 1 < end && p[i] == u'#' && IsWordStart(p[i + 1])) out.directive = true;
+  }
+  while (true) {
+    if (pos >= end) break;
+    const char16_t c = p[pos].unicode();
+    if (IsBlank(c)) {
+      ++pos;
+      continue;
+    }
+    if (c == u'_' && isContinuation(pos)) {
+      if (!nextLine()) pos = end;
+      continue;
+    }
+    const bool wasFirst = first;
+    first = false;
+    hasCode = true;
+    const qsizetype start = pos;
+    if (c == u'\'') {
+      hasCode = !out.tokens.empty() || !wasFirst;
+      ++pos;
+      scanComment();
+      break;
+    }
+    if (c == u'"') {
+      ++pos;
+      bool closed = false;
+      while (pos < end) {
+        if (p[pos] == u'"') {
+          if (pos + 1 < end && p[pos + 1] == u'"') {
+            pos += 2;
+            continue;
+          }
+          ++pos;
+          closed = true;
+          break;
+        }
+        ++pos;
+      }
+      if (!closed) ++m_unterminatedStrings;
+      push(TokenKind::String, start, pos);
+      continue;
+    }
+    if (c == u':') {
+      if (pos + 1 < end && p[pos + 1] == u'=') {
+        push(TokenKind::Punct, start, start + 2);
+        pos += 2;
+      } else {
+        EndStatement(out, statementBegin);
+        ++pos;
+      }
+      continue;
+    }
+    if (IsWordStart(p[pos]) || c == u'[') {
+      if (c == u'[') {
+        while (pos < end && p[pos] != u']') ++pos;
+        if (pos < end) ++pos;
+      } else {
+        while (pos < end && IsWordChar(p[pos])) ++pos;
+        if (pos < end) {
+          const char16_t s = p[pos].unicode();
+          const bool suffix =
+              s == u'%' || s == u'&' || s == u'!' || s == u'#' || s == u'@' || s == u'$';
+          if (suffix && (pos + 1 >= end || !IsWordChar(p[pos + 1]))) ++pos;
+        }
+      }
+      const QStringView word(p + start, pos - start);
+      if (static_cast<int>(out.tokens.size()) == statementBegin && Same(word, "Rem") &&
+          (pos >= end || !IsWordChar(p[pos]))) {
+        hasCode = !out.tokens.empty() || !out.statements.empty() || !wasFirst;
+        scanComment();
+        break;
+      }
+      if (wasFirst && !NeverLabel(word)) {
+        qsizetype i = pos;
+        while (i < end && IsBlank(p[i].unicode())) ++i;
+        if (i < end && p[i] == u':' && !(i + 1 < end && p[i + 1] == u'=')) {
+          pos = i + 1;  // a label: code, but no statement
+          continue;
+        }
+      }
+      push(TokenKind::Word, start, pos);
+      continue;
+    }
+    if (IsDigit(c) || (c == u'.' && pos + 1 < end && IsDigit(p[pos + 1].unicode()))) {
+      while (pos < end && (IsWordChar(p[pos]) || p[pos] == u'.')) ++pos;
+      if (pos < end) {
+        const char16_t s = p[pos].unicode();
+        if (s == u'#' || s == u'!' || s == u'@' || s == u'&' || s == u'%') ++pos;
+      }
+      if (wasFirst) {
+        // A line number: a label.
+        qsizetype i = pos;
+        while (i < end && IsBlank(p[i].unicode())) ++i;
+        if (i < end && p[i] == u':' && !(i + 1 < end && p[i + 1] == u'=')) pos = i + 1;
+        continue;
+      }
+      push(TokenKind::Number, start, pos);
+      continue;
+    }
+    if (c == u'&' && pos + 1 < end &&
+        (p[pos + 1] == u'H' || p[pos + 1] == u'h' || p[pos + 1] == u'O' || p[pos + 1] == u'o')) {
+      pos += 2;
+      while (pos < end && IsWordChar(p[pos])) ++pos;
+      if (pos < end && p[pos] == u'&') ++pos;
+      push(TokenKind::Number, start, pos);
+      continue;
+    }
+    if (c == u'#' && pos + 1 < end && IsDigit(p[pos + 1].unicode())) {
+      qsizetype i = pos + 1;
+      const qsizetype limit = std::min(end, pos + 40);
+      while (i < limit && IsDateChar(p[i].unicode())) ++i;
+      if (i < limit && p[i] == u'#') {
+        pos = i + 1;
+        push(TokenKind::Date, start, pos);
+        continue;
+      }
+    }
+    if (c == u'<' || c == u'>' || c == u'=') {
+      while (pos < end && (p[pos] == u'<' || p[pos] == u'>' || p[pos] == u'=')) ++pos;
+      push(TokenKind::Punct, start, pos);
+      continue;
+    }
+    push(TokenKind::Punct, start, start + 1);
+    ++pos;
+  }
+  EndStatement(out, statementBegin);
+  out.kind = hasCode ? LineKind::Code : (out.hasComment ? LineKind::Comment : LineKind::Blank);
+  m_line = line + 1;
+}
+
+}  // namespace ombrelle

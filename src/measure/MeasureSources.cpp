@@ -1,0 +1,423 @@
+#include "measure/MeasuredProject.h"
+
+#include "measure/ModuleCounter.h"
+#include "measure/SourceText.h"
+
+#include <cmath>
+#include <limits>
+#include <set>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace ombrelle {
+
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+// The metrics stored for each class, ascending; the help page "measuring.html"
+// gives the counting rule of each.
+const std::vector<MetricId> kProjectMetrics = {1002, 1009, 1010, 1011, 1015, 1019, 1200, 1201,
+                                               1202, 1203, 1204, 1205, 1206, 1207, 1210, 1211,
+                                               1240, 1241, 1242, 1243, 1244, 1301, 1400};
+const std::vector<MetricId> kFileMetrics = {2001, 2012, 2013, 2014, 2020, 2030,
+                                            2034, 2035, 2036, 2100, 2101, 2103};
+const std::vector<MetricId> kClassMetrics = {3001, 3101, 3112, 3113, 3114, 3150, 3151,
+                                             3153, 3200, 3210, 3212, 3213, 3215, 3320};
+const std::vector<MetricId> kProcedureMetrics = {4001, 4012, 4013, 4014, 4020, 4030,
+                                                 4035, 4050, 4051, 4053, 4080, 4120,
+                                                 4121, 4122, 4140, 4141, 4180};
+const std::vector<MetricId> kVariableMetrics = {5001, 5002, 5020, 5100};
+
+struct FileResult {
+  QString name;
+  QString extension;  // lower case, without the dot
+  double bytes = 0;
+  ModuleCount count;
+  int decisions = 0;           // over the file's procedures
+  int procedureVariables = 0;  // parameters and local variables
+};
+
+struct VariableResult {
+  int file = 0;
+  int index = 0;  // within the file's variables
+  int reads = 0;
+  int writes = 0;
+  int users = 0;
+  int lastUser = -1;
+  int lastProcedure = -1;
+};
+
+bool IsClassFile(const QString& extension) {
+  return extension == QLatin1String("cls") || extension == QLatin1String("frm") ||
+         extension == QLatin1String("ctl") || extension == QLatin1String("dsr");
+}
+
+// `name`, or `name` with the first free number from 2 on, ignoring case.
+QString Unique(std::set<QString>& used, const QString& name) {
+  QString candidate = name;
+  for (int n = 2; !used.insert(candidate.toLower()).second; ++n)
+    candidate = name + QString::number(n);
+  return candidate;
+}
+
+QString ProcedureRowName(const QString& module, const ProcedureCount& p) {
+  QString name = module + QLatin1Char('.') + p.name;
+  switch (p.kind) {
+    case ProcedureKind::PropertyGet:
+      return name + QStringLiteral(" (Get)");
+    case ProcedureKind::PropertyLet:
+      return name + QStringLiteral(" (Let)");
+    case ProcedureKind::PropertySet:
+      return name + QStringLiteral(" (Set)");
+    default:
+      return name;
+  }
+}
+
+MeasuredClass MakeClass(MetricClass classNr, const std::vector<MetricId>& ids, int rows) {
+  MeasuredClass c;
+  c.classNr = classNr;
+  c.metrics = ids;
+  c.values.assign(ids.size(), std::vector<double>(static_cast<size_t>(rows), kNaN));
+  return c;
+}
+
+double LineValue(const LineCounts& l, int which) {
+  switch (which) {
+    case 0:
+      return l.physical;
+    case 1:
+      return l.code;
+    case 2:
+      return l.comment;
+    case 3:
+      return l.blank;
+    case 4:
+      return l.meaningful;
+    case 5:
+      return l.statements;
+    case 6:
+      return l.declarative;
+    default:
+      return l.control;
+  }
+}
+
+// Finds each procedure's uses of module-level variables. A name qualified by
+// a module's name is that module's variable (public, or of the same module);
+// an unqualified name not declared in the procedure is a variable of its own
+// module, else a public variable of a standard module.
+void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variables,
+             std::vector<std::vector<int>>& accessed) {
+  std::unordered_map<NameHash, int> modules;
+  std::vector<std::unordered_map<NameHash, int>> own(files.size());
+  std::unordered_map<NameHash, int> global;
+  for (size_t v = 0; v < variables.size(); ++v) {
+    const VariableResult& var = variables[v];
+    const FileResult& f = files[static_cast<size_t>(var.file)];
+    const ModuleVariable& mv = f.count.variables[static_cast<size_t>(var.index)];
+    const NameHash h = HashName(mv.name);
+    own[static_cast<size_t>(var.file)].emplace(h, static_cast<int>(v));
+    if (mv.isPublic && f.extension == QLatin1String("bas")) global.emplace(h, static_cast<int>(v));
+  }
+  for (size_t f = 0; f < files.size(); ++f) modules.emplace(HashName(files[f].count.moduleName), f);
+
+  int procIndex = 0;
+  for (size_t f = 0; f < files.size(); ++f) {
+    for (ProcedureCount& p : files[f].count.procedures) {
+      std::vector<int>& seen = accessed[static_cast<size_t>(procIndex)];
+      std::set<NameHash> locals(p.localNames.begin(), p.localNames.end());
+      for (const NameUse& use : p.uses) {
+        int v = -1;
+        if (use.qualifier != 0) {
+          const auto m = modules.find(use.qualifier);
+          if (m == modules.end()) continue;
+          const auto found = own[static_cast<size_t>(m->second)].find(use.name);
+          if (found == own[static_cast<size_t>(m->second)].end()) continue;
+          const VariableResult& var = variables[static_cast<size_t>(found->second)];
+          const bool visible = static_cast<size_t>(m->second) == f ||
+                               files[static_cast<size_t>(var.file)]
+                                   .count.variables[static_cast<size_t>(var.index)]
+                                   .isPublic;
+          if (!visible) continue;
+          v = found->second;
+        } else {
+          if (locals.count(use.name)) continue;
+          const auto found = own[f].find(use.name);
+          if (found != own[f].end()) {
+            v = found->second;
+          } else {
+            const auto g = global.find(use.name);
+            if (g == global.end()) continue;
+            v = g->second;
+          }
+        }
+        VariableResult& var = variables[static_cast<size_t>(v)];
+        (use.write ? var.writes : var.reads) += 1;
+        if (var.lastUser != static_cast<int>(f)) {
+          var.lastUser = static_cast<int>(f);
+          ++var.users;
+        }
+        if (var.lastProcedure != procIndex) {
+          var.lastProcedure = procIndex;
+          seen.push_back(v);
+        }
+      }
+      std::vector<NameUse>().swap(p.uses);
+      ++procIndex;
+    }
+  }
+}
+
+// Lengths and distinct names of one set of names; names differing only in
+// letter case are the same name.
+struct NameLengths {
+  double characters = 0;
+  double count = 0;
+  std::unordered_set<NameHash> distinct;
+  void Add(NameHash hash, int length) {
+    characters += length;
+    ++count;
+    distinct.insert(hash);
+  }
+  void Add(const QString& name) { Add(HashName(name), static_cast<int>(name.size())); }
+  void Add(const NameLengths& other) {
+    characters += other.characters;
+    count += other.count;
+    distinct.insert(other.distinct.begin(), other.distinct.end());
+  }
+  double Average() const { return count > 0 ? characters / count : kNaN; }
+};
+
+// The name metrics of the project: all names (1240), variables and parameters
+// (1241), constants (1242), procedures (1243) and the share of distinct names
+// (1244). Event handlers and implementing procedures keep neither their names
+// in 1243 nor their parameters in 1241; each property name counts once.
+std::vector<double> NameMetrics(const std::vector<FileResult>& files) {
+  NameLengths variables, constants, procedures, all;
+  for (const FileResult& f : files) {
+    const ModuleCount& m = f.count;
+    for (const ModuleVariable& v : m.variables) variables.Add(v.name);
+    for (const QString& c : m.constants) constants.Add(c);
+    std::unordered_set<NameHash> seen;
+    for (const ProcedureCount& p : m.procedures) {
+      const bool handler = IsHandlerName(p.name, m.handlerPrefixes);
+      for (size_t k = 0; k < p.localNames.size(); ++k)
+        if (!handler || k >= static_cast<size_t>(p.parameters))
+          variables.Add(p.localNames[k], p.localLengths[k]);
+      const NameHash h = HashName(p.name);
+      if (!handler && seen.insert(h).second) procedures.Add(h, static_cast<int>(p.name.size()));
+    }
+    for (const QString& n : m.otherNames) all.Add(n);
+    if (IsClassFile(f.extension) || f.extension == QLatin1String("bas")) all.Add(m.moduleName);
+  }
+  all.Add(variables);
+  all.Add(constants);
+  all.Add(procedures);
+  return {all.Average(), variables.Average(), constants.Average(), procedures.Average(),
+          all.count > 0 ? static_cast<double>(all.distinct.size()) / all.count : kNaN};
+}
+
+}  // namespace
+
+MeasuredProject MeasureSources(const QString& projectName, const std::vector<SourceFile>& files) {
+  MeasuredProject out;
+  std::vector<FileResult> results;
+  for (const SourceFile& file : files) {
+    if (LooksBinary(file.bytes)) {
+      out.warnings << QStringLiteral("%1: binary content, not measured").arg(file.name);
+      continue;
+    }
+    FileResult r;
+    r.name = file.name;
+    const QString leaf = file.name.mid(file.name.lastIndexOf(QLatin1Char('/')) + 1);
+    const qsizetype dot = leaf.lastIndexOf(QLatin1Char('.'));
+    r.extension = dot < 0 ? QString() : leaf.mid(dot + 1).toLower();
+    r.bytes = static_cast<double>(file.bytes.size());
+    r.count = CountModule(DecodeSource(file.bytes), dot < 0 ? leaf : leaf.left(dot));
+    if (!r.count.problems.isEmpty())
+      out.warnings << QStringLiteral("%1: %2").arg(file.name,
+                                                   r.count.problems.join(QStringLiteral("; ")));
+    for (const ProcedureCount& p : r.count.procedures) {
+      r.decisions += p.decisions;
+      r.procedureVariables += p.parameters + p.locals;
+    }
+    results.push_back(std::move(r));
+  }
+
+  std::vector<VariableResult> variables;
+  int procedureCount = 0;
+  for (size_t f = 0; f < results.size(); ++f) {
+    for (size_t v = 0; v < results[f].count.variables.size(); ++v)
+      variables.push_back({static_cast<int>(f), static_cast<int>(v)});
+    procedureCount += static_cast<int>(results[f].count.procedures.size());
+  }
+  std::vector<std::vector<int>> accessed(static_cast<size_t>(procedureCount));
+  Resolve(results, variables, accessed);
+
+  // Project.
+  {
+    MeasuredClass c = MakeClass(ClassProject, kProjectMetrics, 1);
+    c.names << projectName;
+    LineCounts sum;
+    double bytes = 0, procs = 0, vars = 0, moduleVars = 0, consts = 0, types = 0, enums = 0,
+           enumConsts = 0, forms = 0, modules = 0, classes = 0, decisions = 0;
+    for (const FileResult& r : results) {
+      const ModuleCount& m = r.count;
+      for (int k = 0; k < 8; ++k) {
+        const int add = static_cast<int>(LineValue(m.lines, k));
+        int* fields[] = {&sum.physical,   &sum.code,       &sum.comment,     &sum.blank,
+                         &sum.meaningful, &sum.statements, &sum.declarative, &sum.control};
+        *fields[k] += add;
+      }
+      bytes += r.bytes;
+      procs += static_cast<double>(m.procedures.size());
+      moduleVars += static_cast<double>(m.variables.size());
+      vars += static_cast<double>(m.variables.size()) + r.procedureVariables;
+      consts += static_cast<double>(m.constants.size());
+      types += m.types;
+      enums += m.enums;
+      enumConsts += m.enumConstants;
+      forms += r.extension == QLatin1String("frm");
+      modules += r.extension == QLatin1String("bas");
+      classes += IsClassFile(r.extension);
+      decisions += r.decisions;
+    }
+    const double values[] = {LineValue(sum, 0),
+                             LineValue(sum, 1),
+                             LineValue(sum, 2),
+                             LineValue(sum, 3),
+                             LineValue(sum, 4),
+                             bytes / 1024.0,
+                             static_cast<double>(results.size()),
+                             procs,
+                             vars,
+                             consts,
+                             types,
+                             enums,
+                             enumConsts,
+                             moduleVars,
+                             forms,
+                             modules};
+    size_t k = 0;
+    for (double v : values) c.values[k++][0] = v;
+    for (double v : NameMetrics(results)) c.values[k++][0] = v;
+    c.values[k++][0] = decisions + 1;
+    c.values[k++][0] = classes;
+    out.classes.push_back(std::move(c));
+  }
+
+  // Files and classes.
+  {
+    MeasuredClass fc = MakeClass(ClassFile, kFileMetrics, static_cast<int>(results.size()));
+    int classRows = 0;
+    for (const FileResult& r : results) classRows += IsClassFile(r.extension);
+    MeasuredClass cc = MakeClass(ClassClass, kClassMetrics, classRows);
+    std::set<QString> classNames;
+    int row = 0, classRow = 0;
+    for (const FileResult& r : results) {
+      const ModuleCount& m = r.count;
+      const LineCounts& l = m.lines;
+      fc.names << r.name;
+      const double fileValues[] = {LineValue(l, 0),
+                                   LineValue(l, 1),
+                                   LineValue(l, 2),
+                                   LineValue(l, 3),
+                                   LineValue(l, 4),
+                                   r.bytes / 1024.0,
+                                   static_cast<double>(m.procedures.size()),
+                                   static_cast<double>(m.variables.size()) + r.procedureVariables,
+                                   static_cast<double>(m.constants.size()),
+                                   LineValue(l, 5),
+                                   LineValue(l, 6),
+                                   LineValue(l, 7)};
+      for (size_t k = 0; k < kFileMetrics.size(); ++k) fc.values[k][row] = fileValues[k];
+      ++row;
+      if (!IsClassFile(r.extension)) continue;
+      cc.names << Unique(classNames, m.moduleName);
+      int methods = 0, publicMethods = 0, publicVars = 0;
+      for (const ProcedureCount& p : m.procedures) {
+        if (p.kind == ProcedureKind::Declare) continue;
+        ++methods;
+        publicMethods += !p.isPrivate;
+      }
+      for (const ModuleVariable& v : m.variables) publicVars += v.isPublic;
+      const double classValues[] = {static_cast<double>(methods),
+                                    LineValue(l, 0),
+                                    LineValue(l, 1),
+                                    LineValue(l, 2),
+                                    LineValue(l, 3),
+                                    LineValue(l, 5),
+                                    LineValue(l, 6),
+                                    LineValue(l, 7),
+                                    static_cast<double>(m.implements),
+                                    static_cast<double>(publicMethods),
+                                    static_cast<double>(m.variables.size()),
+                                    static_cast<double>(publicVars),
+                                    static_cast<double>(m.events),
+                                    static_cast<double>(r.decisions + 1)};
+      for (size_t k = 0; k < kClassMetrics.size(); ++k) cc.values[k][classRow] = classValues[k];
+      ++classRow;
+    }
+    if (!results.empty()) out.classes.push_back(std::move(fc));
+    if (classRows > 0) out.classes.push_back(std::move(cc));
+  }
+
+  // Procedures.
+  if (procedureCount > 0) {
+    MeasuredClass pc = MakeClass(ClassProcedure, kProcedureMetrics, procedureCount);
+    std::set<QString> names;
+    int row = 0;
+    for (const FileResult& r : results) {
+      for (const ProcedureCount& p : r.count.procedures) {
+        pc.names << Unique(names, ProcedureRowName(r.count.moduleName, p));
+        const bool code = p.kind != ProcedureKind::Declare;
+        const double cc = 1 + p.decisions;
+        const LineCounts& l = p.lines;
+        const double values[] = {
+            static_cast<double>(p.lastLine - p.firstLine + 1),
+            LineValue(l, 1),
+            LineValue(l, 2),
+            LineValue(l, 3),
+            LineValue(l, 4),
+            static_cast<double>(p.parameters),
+            code ? p.locals : kNaN,
+            LineValue(l, 5),
+            LineValue(l, 6),
+            LineValue(l, 7),
+            code ? static_cast<double>(accessed[static_cast<size_t>(row)].size()) : kNaN,
+            code ? cc : kNaN,
+            code ? cc + p.booleanOperators : kNaN,
+            code ? cc - p.cases + p.selects : kNaN,
+            code ? p.maxConditionDepth : kNaN,
+            code ? p.maxLoopDepth : kNaN,
+            static_cast<double>(p.name.size())};
+        for (size_t k = 0; k < kProcedureMetrics.size(); ++k) pc.values[k][row] = values[k];
+        ++row;
+      }
+    }
+    out.classes.push_back(std::move(pc));
+  }
+
+  // Variables.
+  if (!variables.empty()) {
+    MeasuredClass vc =
+        MakeClass(ClassVariable, kVariableMetrics, static_cast<int>(variables.size()));
+    std::set<QString> names;
+    for (size_t v = 0; v < variables.size(); ++v) {
+      const VariableResult& var = variables[v];
+      const FileResult& f = results[static_cast<size_t>(var.file)];
+      const QString& name = f.count.variables[static_cast<size_t>(var.index)].name;
+      vc.names << Unique(names, f.count.moduleName + QLatin1Char('.') + name);
+      vc.values[0][v] = var.reads;
+      vc.values[1][v] = var.writes;
+      vc.values[2][v] = var.users;
+      vc.values[3][v] = static_cast<double>(name.size());
+    }
+    out.classes.push_back(std::move(vc));
+  }
+  return out;
+}
+
+}  // namespace ombrelle

@@ -1,0 +1,514 @@
+#include "measure/ModuleCounter.h"
+
+#include "measure/BasicLexer.h"
+#include "measure/SourceText.h"
+
+#include <algorithm>
+
+namespace ombrelle {
+
+NameHash HashName(const QChar* data, qsizetype size) {
+  NameHash h = 14695981039346656037ull;
+  for (qsizetype i = 0; i < size; ++i) {
+    char16_t c = data[i].unicode();
+    if (c >= u'A' && c <= u'Z')
+      c = static_cast<char16_t>(c + 32);
+    else if (c >= 0x80)
+      c = QChar(c).toLower().unicode();
+    h = (h ^ c) * 1099511628211ull;
+  }
+  return h == 0 ? 1 : h;
+}
+
+NameHash HashName(const QString& name) { return HashName(name.constData(), name.size()); }
+
+bool IsHandlerName(const QString& procedure, const QStringList& prefixes) {
+  const qsizetype bar = procedure.indexOf(QLatin1Char('_'));
+  if (bar <= 0) return false;
+  const QStringView prefix = QStringView(procedure).left(bar);
+  static const char* const kObjects[] = {"Form",         "MDIForm", "UserControl",
+                                         "UserDocument", "Class",   "PropertyPage"};
+  for (const char* o : kObjects)
+    if (prefix.compare(QLatin1String(o), Qt::CaseInsensitive) == 0) return true;
+  for (const QString& p : prefixes)
+    if (prefix.compare(p, Qt::CaseInsensitive) == 0) return true;
+  return false;
+}
+
+namespace {
+
+// Deeper single-line If statements than this are counted as one statement,
+// so that no input can exhaust the stack.
+constexpr int kMaxSingleLineNesting = 64;
+
+class Counter {
+ public:
+  Counter(const QString& text, const std::vector<PhysicalLine>& lines)
+      : m_text(text), m_lexer(text, lines), m_physical(static_cast<int>(lines.size())) {}
+
+  ModuleCount Run(const QString& baseName) {
+    m_result.lines.physical = m_physical;
+    while (m_lexer.Next(m_line)) Line();
+    if (m_proc >= 0) {
+      m_result.problems << QStringLiteral("%1 has no end").arg(m_result.procedures[m_proc].name);
+      Close(m_physical - 1);
+    }
+    if (m_block != Block::None)
+      m_result.problems << QStringLiteral("a Type or Enum block has no end");
+    if (m_inactive > 0 || !m_directives.empty())
+      m_result.problems << QStringLiteral("an #If block has no #End If");
+    m_result.problems << m_lexer.Problems();
+    m_result.otherNames << m_lexer.ControlNames();
+    m_result.handlerPrefixes << m_lexer.ControlNames();
+    m_result.moduleName = m_lexer.ModuleName().isEmpty() ? baseName : m_lexer.ModuleName();
+    return std::move(m_result);
+  }
+
+ private:
+  enum class Block { None, Type, Enum };
+
+  // --- tokens of the current line
+  // Keywords are ASCII: compared by length first, then letter by letter.
+  template <size_t N>
+  bool IsWord(int i, const char (&w)[N]) const {
+    if (i < 0 || i >= static_cast<int>(m_line.tokens.size())) return false;
+    const Token& t = m_line.tokens[static_cast<size_t>(i)];
+    if (t.kind != TokenKind::Word || t.length != static_cast<qsizetype>(N - 1)) return false;
+    const QChar* p = m_text.constData() + t.begin;
+    for (size_t k = 0; k + 1 < N; ++k) {
+      char16_t c = p[k].unicode();
+      if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + 32);
+      char16_t want = static_cast<unsigned char>(w[k]);
+      if (want >= u'A' && want <= u'Z') want = static_cast<char16_t>(want + 32);
+      if (c != want) return false;
+    }
+    return true;
+  }
+  bool IsPunct(int i, char16_t c) const {
+    if (i < 0 || i >= static_cast<int>(m_line.tokens.size())) return false;
+    const Token& t = m_line.tokens[i];
+    return t.kind == TokenKind::Punct && t.length == 1 && m_lexer.Text(t)[0] == c;
+  }
+  bool IsAnyWord(int i) const {
+    return i >= 0 && i < static_cast<int>(m_line.tokens.size()) &&
+           m_line.tokens[i].kind == TokenKind::Word;
+  }
+  QString WordAt(int i) const {
+    return m_lexer.Text(m_line.tokens[static_cast<size_t>(i)]).toString();
+  }
+  NameHash Hash(int i) const {
+    const QStringView v = m_lexer.Text(m_line.tokens[i]);
+    return HashName(v.data(), v.size());
+  }
+  // Index of the token after the parenthesis that closes the one at `i`.
+  int SkipParens(int i, int e) const {
+    int depth = 0;
+    for (; i < e; ++i) {
+      if (IsPunct(i, u'(')) ++depth;
+      if (IsPunct(i, u')') && --depth <= 0) return i + 1;
+    }
+    return e;
+  }
+  // The first word of each comma-separated item of [b, e), leaving out the
+  // words that only qualify a declared name.
+  std::vector<int> ItemNames(int b, int e) const {
+    std::vector<int> names;
+    int depth = 0;
+    bool want = true;
+    for (int i = b; i < e; ++i) {
+      if (IsPunct(i, u'('))
+        ++depth;
+      else if (IsPunct(i, u')'))
+        depth = std::max(0, depth - 1);
+      else if (IsPunct(i, u',') && depth == 0)
+        want = true;
+      else if (want && depth == 0 && IsAnyWord(i) && !IsWord(i, "Optional") &&
+               !IsWord(i, "ByVal") && !IsWord(i, "ByRef") && !IsWord(i, "ParamArray") &&
+               !IsWord(i, "WithEvents")) {
+        names.push_back(i);
+        want = false;
+      }
+    }
+    return names;
+  }
+
+  // --- lines
+  void Line() {
+    if (m_line.kind == LineKind::Hidden) return;
+    const int ownerBefore = m_proc;
+    m_openedOnLine = -1;
+    if (m_line.directive) {
+      Directive();
+    } else if (m_inactive == 0) {
+      for (const auto& [b, e] : m_line.statements) Statement(b, e, 0);
+    }
+    const int owner = m_openedOnLine >= 0 ? m_openedOnLine : ownerBefore;
+    AddLine(m_result.lines);
+    if (owner >= 0) AddLine(m_result.procedures[owner].lines);
+  }
+
+  void AddLine(LineCounts& c) const {
+    switch (m_line.kind) {
+      case LineKind::Code:
+        ++c.code;
+        break;
+      case LineKind::Comment:
+        ++c.comment;
+        break;
+      case LineKind::Blank:
+        ++c.blank;
+        break;
+      case LineKind::Hidden:
+        break;
+    }
+    if (m_line.meaningfulComment) ++c.meaningful;
+  }
+
+  void Directive() {
+    // Only the first branch of each #If is measured; the lines of the other
+    // branches are counted as lines but hold no statements.
+    if (IsWord(1, "If")) {
+      m_directives.push_back(true);
+    } else if (IsWord(1, "ElseIf") || IsWord(1, "Else")) {
+      if (!m_directives.empty() && m_directives.back()) {
+        m_directives.back() = false;
+        ++m_inactive;
+      }
+    } else if (IsWord(1, "End")) {
+      if (!m_directives.empty()) {
+        if (!m_directives.back()) --m_inactive;
+        m_directives.pop_back();
+      }
+    }
+  }
+
+  void Count(int proc, bool declarative, bool control) {
+    ++m_result.lines.statements;
+    m_result.lines.declarative += declarative;
+    m_result.lines.control += control;
+    if (proc < 0) return;
+    LineCounts& c = m_result.procedures[proc].lines;
+    ++c.statements;
+    c.declarative += declarative;
+    c.control += control;
+  }
+
+  // --- statements
+  void Statement(int b, int e, int nesting) {
+    int i = b;
+    bool isPrivate = false, isPublic = false;
+    while (i < e && (IsWord(i, "Public") || IsWord(i, "Private") || IsWord(i, "Friend") ||
+                     IsWord(i, "Global") || IsWord(i, "Static"))) {
+      isPrivate |= IsWord(i, "Private");
+      isPublic |= IsWord(i, "Public") || IsWord(i, "Global");
+      ++i;
+    }
+    if (m_block == Block::None && Header(i, e, isPrivate)) return;
+    if (IsWord(b, "End") &&
+        (IsWord(b + 1, "Sub") || IsWord(b + 1, "Function") || IsWord(b + 1, "Property"))) {
+      const int proc = m_proc;
+      Count(proc, true, false);
+      if (proc >= 0) Close(m_line.firstLine + m_line.lineCount - 1);
+      return;
+    }
+    if (m_proc < 0) {
+      Count(-1, true, false);
+      ModuleLevel(b, i, e, isPublic);
+      return;
+    }
+    ProcedureCount& proc = m_result.procedures[m_proc];
+    if (IsWord(b, "Dim") || IsWord(b, "Static")) {
+      Count(m_proc, true, false);
+      for (int n : ItemNames(b + 1, e)) {
+        ++proc.locals;
+        proc.localNames.push_back(Hash(n));
+        proc.localLengths.push_back(m_line.tokens[static_cast<size_t>(n)].length);
+      }
+      return;
+    }
+    if (IsWord(b, "Const")) {
+      Count(m_proc, true, false);
+      for (int n : ItemNames(b + 1, e))
+        m_result.constants << m_lexer.Text(m_line.tokens[n]).toString();
+      return;
+    }
+    Executable(b, e, nesting);
+  }
+
+  bool Header(int i, int e, bool isPrivate) {
+    ProcedureKind kind;
+    bool declare = false;
+    if (IsWord(i, "Declare")) {
+      declare = true;
+      ++i;
+      if (IsWord(i, "PtrSafe")) ++i;
+      if (!IsWord(i, "Sub") && !IsWord(i, "Function")) return false;
+      kind = ProcedureKind::Declare;
+      ++i;
+    } else if (IsWord(i, "Sub")) {
+      kind = ProcedureKind::Sub;
+      ++i;
+    } else if (IsWord(i, "Function")) {
+      kind = ProcedureKind::Function;
+      ++i;
+    } else if (IsWord(i, "Property") && IsWord(i + 1, "Get")) {
+      kind = ProcedureKind::PropertyGet;
+      i += 2;
+    } else if (IsWord(i, "Property") && IsWord(i + 1, "Let")) {
+      kind = ProcedureKind::PropertyLet;
+      i += 2;
+    } else if (IsWord(i, "Property") && IsWord(i + 1, "Set")) {
+      kind = ProcedureKind::PropertySet;
+      i += 2;
+    } else {
+      return false;
+    }
+    if (!IsAnyWord(i)) return false;
+    if (m_proc >= 0) {
+      m_result.problems << QStringLiteral("%1 has no end").arg(m_result.procedures[m_proc].name);
+      Close(m_line.firstLine - 1);
+    }
+    ProcedureCount p;
+    p.name = m_lexer.Text(m_line.tokens[i]).toString();
+    p.kind = kind;
+    p.isPrivate = isPrivate;
+    p.firstLine = p.lastLine = m_line.firstLine;
+    int open = i + 1;
+    while (open < e && !IsPunct(open, u'(')) ++open;
+    if (open < e) {
+      const int close = SkipParens(open, e) - 1;
+      for (int n : ItemNames(open + 1, close)) {
+        ++p.parameters;
+        p.localNames.push_back(Hash(n));
+        p.localLengths.push_back(m_line.tokens[static_cast<size_t>(n)].length);
+      }
+    }
+    m_result.procedures.push_back(std::move(p));
+    const int index = static_cast<int>(m_result.procedures.size()) - 1;
+    m_openedOnLine = index;
+    Count(index, true, false);
+    if (declare)
+      m_result.procedures[index].lastLine = m_line.firstLine + m_line.lineCount - 1;
+    else
+      m_proc = index;
+    return true;
+  }
+
+  void Close(int lastLine) {
+    ProcedureCount& p = m_result.procedures[m_proc];
+    p.lastLine = std::max(p.firstLine, lastLine);
+    m_proc = -1;
+    m_condDepth = m_loopDepth = 0;
+  }
+
+  // Outside procedures every statement is declarative.
+  void ModuleLevel(int b, int i, int e, bool isPublic) {
+    if (m_block != Block::None) {
+      if (IsWord(b, "End") && (IsWord(b + 1, "Type") || IsWord(b + 1, "Enum")))
+        m_block = Block::None;
+      else if (IsAnyWord(b)) {
+        m_result.enumConstants += m_block == Block::Enum;
+        m_result.otherNames << WordAt(b);
+      }
+      return;
+    }
+    if (IsWord(i, "Type") && IsAnyWord(i + 1)) {
+      ++m_result.types;
+      m_block = Block::Type;
+      m_result.otherNames << WordAt(i + 1);
+    } else if (IsWord(i, "Enum") && IsAnyWord(i + 1)) {
+      ++m_result.enums;
+      m_block = Block::Enum;
+      m_result.otherNames << WordAt(i + 1);
+    } else if (IsWord(i, "Event")) {
+      ++m_result.events;
+    } else if (IsWord(i, "Implements")) {
+      ++m_result.implements;
+      if (IsAnyWord(i + 1)) m_result.handlerPrefixes << WordAt(i + 1);
+    } else if (IsWord(i, "Const")) {
+      for (int n : ItemNames(i + 1, e))
+        m_result.constants << m_lexer.Text(m_line.tokens[n]).toString();
+    } else if (IsWord(i, "Dim") || i > b) {
+      for (int n : ItemNames(IsWord(i, "Dim") ? i + 1 : i, e)) {
+        m_result.variables.push_back({WordAt(n), isPublic});
+        if (IsWord(n - 1, "WithEvents")) m_result.handlerPrefixes << WordAt(n);
+      }
+    }
+  }
+
+  void Conditions(int b, int e, ProcedureCount& p) {
+    for (int i = b; i < e; ++i)
+      if (IsWord(i, "And") || IsWord(i, "Or") || IsWord(i, "Xor") || IsWord(i, "AndAlso") ||
+          IsWord(i, "OrElse"))
+        ++p.booleanOperators;
+  }
+
+  void Deeper(int& depth, int& max) {
+    ++depth;
+    max = std::max(max, depth);
+  }
+
+  void Executable(int b, int e, int nesting) {
+    ProcedureCount& p = m_result.procedures[m_proc];
+    const int proc = m_proc;
+    if (IsWord(b, "If")) {
+      int then = b + 1;
+      while (then < e && !IsWord(then, "Then")) ++then;
+      ++p.decisions;
+      Conditions(b + 1, then, p);
+      Uses(b + 1, then, -1);
+      Count(proc, false, true);
+      if (then + 1 < e && nesting < kMaxSingleLineNesting) {
+        // Single-line If: the statements after Then and after Else.
+        p.maxConditionDepth = std::max(p.maxConditionDepth, m_condDepth + 1);
+        ++m_condDepth;
+        int start = then + 1;
+        for (int i = start; i <= e; ++i) {
+          if (i == e || IsWord(i, "Else")) {
+            if (i > start) Statement(start, i, nesting + 1);
+            start = i + 1;
+          }
+        }
+        m_condDepth = std::max(0, m_condDepth - 1);
+      } else if (then + 1 < e) {
+        Count(proc, false, false);
+      } else {
+        Deeper(m_condDepth, p.maxConditionDepth);
+      }
+      return;
+    }
+    if (IsWord(b, "ElseIf")) {
+      int then = b + 1;
+      while (then < e && !IsWord(then, "Then")) ++then;
+      ++p.decisions;
+      Conditions(b + 1, then, p);
+      Uses(b + 1, then, -1);
+      Count(proc, false, true);
+      return;
+    }
+    if (IsWord(b, "Else")) {
+      Count(proc, false, true);
+      if (b + 1 < e && nesting < kMaxSingleLineNesting) Statement(b + 1, e, nesting + 1);
+      return;
+    }
+    if (IsWord(b, "End")) {
+      if (IsWord(b + 1, "If") || IsWord(b + 1, "Select")) {
+        m_condDepth = std::max(0, m_condDepth - 1);
+        Count(proc, false, true);
+      } else {
+        Count(proc, false, b + 1 == e);  // End alone stops the program
+      }
+      return;
+    }
+    if (IsWord(b, "Select")) {
+      ++p.selects;
+      Deeper(m_condDepth, p.maxConditionDepth);
+      Uses(b + 1, e, -1);
+      Count(proc, false, true);
+      return;
+    }
+    if (IsWord(b, "Case")) {
+      if (!IsWord(b + 1, "Else")) {
+        ++p.decisions;
+        ++p.cases;
+        Uses(b + 1, e, -1);
+      }
+      Count(proc, false, true);
+      return;
+    }
+    if (IsWord(b, "For")) {
+      ++p.decisions;
+      Deeper(m_loopDepth, p.maxLoopDepth);
+      Uses(b + 1, e, IsWord(b + 1, "Each") ? b + 2 : b + 1);
+      Count(proc, false, true);
+      return;
+    }
+    if (IsWord(b, "Next")) {
+      int vars = 1;
+      for (int i = b + 1; i < e; ++i) vars += IsPunct(i, u',');
+      m_loopDepth = std::max(0, m_loopDepth - vars);
+      Count(proc, false, true);
+      return;
+    }
+    if (IsWord(b, "Do") || IsWord(b, "Loop") || IsWord(b, "While") || IsWord(b, "Wend")) {
+      if (IsWord(b, "Do") || IsWord(b, "While"))
+        Deeper(m_loopDepth, p.maxLoopDepth);
+      else
+        m_loopDepth = std::max(0, m_loopDepth - 1);
+      if (IsWord(b, "While") || IsWord(b + 1, "While") || IsWord(b + 1, "Until")) {
+        ++p.decisions;
+        Conditions(b + 1, e, p);
+        Uses(b + 1, e, -1);
+      }
+      Count(proc, false, true);
+      return;
+    }
+    if (IsWord(b, "GoTo") || IsWord(b, "GoSub") || IsWord(b, "Return") || IsWord(b, "Exit") ||
+        IsWord(b, "Resume") || IsWord(b, "Stop") || IsWord(b, "On")) {
+      Uses(b + 1, e, -1);
+      Count(proc, false, true);
+      return;
+    }
+    // Any other statement: an assignment writes its target.
+    int first = b;
+    if (IsWord(first, "Let") || IsWord(first, "Set")) ++first;
+    int target = -1;
+    if (IsWord(first, "ReDim")) {
+      target = IsWord(first + 1, "Preserve") ? first + 2 : first + 1;
+    } else if (IsAnyWord(first)) {
+      int k = first + 1;
+      while (k < e) {
+        if (IsPunct(k, u'('))
+          k = SkipParens(k, e);
+        else if (IsPunct(k, u'.') && IsAnyWord(k + 1))
+          k += 2;
+        else
+          break;
+      }
+      if (IsPunct(k, u'=')) target = first;
+    }
+    Uses(b, e, target);
+    Count(proc, false, false);
+  }
+
+  // Records every word of [b, e) as a read, but the word at `target` (and a
+  // name qualified by it) as a write. Words after a dot count only with the
+  // word before the dot as their qualifier.
+  void Uses(int b, int e, int target) {
+    if (target >= e || !IsAnyWord(target)) target = -1;
+    std::vector<NameUse>& uses = m_result.procedures[m_proc].uses;
+    for (int i = b; i < e; ++i) {
+      if (!IsAnyWord(i)) continue;
+      const bool write =
+          i == target || (target >= 0 && i == target + 2 && IsPunct(target + 1, u'.'));
+      if (IsPunct(i - 1, u'.')) {
+        if (i - 2 >= b && IsAnyWord(i - 2)) uses.push_back({Hash(i), Hash(i - 2), write});
+        continue;
+      }
+      uses.push_back({Hash(i), 0, write});
+    }
+  }
+
+  const QString& m_text;
+  BasicLexer m_lexer;
+  int m_physical = 0;
+  LogicalLine m_line;
+  ModuleCount m_result;
+  int m_proc = -1;
+  int m_openedOnLine = -1;
+  int m_condDepth = 0;
+  int m_loopDepth = 0;
+  Block m_block = Block::None;
+  std::vector<bool> m_directives;  // per open #If: still in its first branch
+  int m_inactive = 0;              // open #If blocks past their first branch
+};
+
+}  // namespace
+
+ModuleCount CountModule(const QString& text, const QString& baseName) {
+  const std::vector<PhysicalLine> lines = SplitPhysicalLines(text);
+  Counter counter(text, lines);
+  return counter.Run(baseName);
+}
+
+}  // namespace ombrelle
