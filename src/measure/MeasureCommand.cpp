@@ -307,6 +307,8 @@ int MeasureCommand::MeasureHistory(const Options& options, const Io& io) {
                    commit.id.left(7);
     header.projectFile = sources.projectFile;
     header.analysisDate = DateFromQDateTime(QDateTime::fromSecsSinceEpoch(commit.time));
+    // A file in a commit is as old as the commit.
+    for (SourceFile& file : sources.files) file.date = header.analysisDate;
     const QString path = MeasureWriter::GeneratedPath(header, folder);
     if (path.isEmpty()) {
       Error(io, prefix + QStringLiteral("no free name for the database"));

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 
 #include "support/Codepage.h"
+#include "support/DateValue.h"
 
 namespace ombrelle {
 
@@ -95,7 +96,7 @@ void ReadSource(const QString& path, const QString& name, ProjectSources& source
     sources.warnings << name + QStringLiteral(": ") + refusal + QStringLiteral("; left out");
     return;
   }
-  sources.files.push_back({name, bytes});
+  sources.files.push_back({name, bytes, DateFromQDateTime(info.lastModified())});
 }
 
 ProjectSources FromProjectFile(const QFileInfo& vbp) {

@@ -211,7 +211,17 @@ std::unique_ptr<ZelmChart> ChartCommands::MakeDistributionChart(int series) {
   if (series == 0 || !m_page.Series(series)) return nullptr;
   auto chart = std::make_unique<ZelmChart>();
   chart->SetChartType(7);
-  chart->SetData({CStats(), m_page.SeriesInRowOrder(series)});
+  // Only the rows with a value become dots: a series keyed by row would read
+  // its empty rows (a time page's first change) as zeros when sorted.
+  const CStats inRows = m_page.SeriesInRowOrder(series);
+  CStats values;
+  values.Init(inRows.count());
+  for (int row = 1; row <= inRows.Capacity(); ++row) {
+    double value = 0;
+    if (inRows.ValueAtIndexDefined(row, value)) values.AddValueQuick(value);
+  }
+  values.DataType = inRows.DataType;
+  chart->SetData({CStats(), values});
   SetChartNumberFormat(*chart, m_page.SeriesInfo(series).Format, 0);
   chart->Title = SeriesTitle(series);
   chart->AxisCaption = m_page.PageTitle();

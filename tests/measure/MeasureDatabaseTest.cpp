@@ -81,12 +81,12 @@ TEST(MeasureDatabase, ReadsBackWithTheSameNamesAndValues) {
       if (!any) continue;
       ++columns;
       // A column of several rows is stored as whole numbers when the metric's
-      // format is whole; a single value keeps its fraction.
+      // format is whole; a single value, or one value repeated (stored once),
+      // keeps its fraction.
       const auto [low, high] = std::minmax_element(stored.begin(), stored.end());
-      const bool rounded =
-          stored.size() > 1 &&
-          ChooseValueEncoding(definitions.GetMetricFormat(measured.metrics[m]), *low, *high).Kind !=
-              kValueDouble;
+      const uint8_t kind =
+          ChooseValueEncoding(definitions.GetMetricFormat(measured.metrics[m]), *low, *high).Kind;
+      const bool rounded = stored.size() > 1 && kind != kValueDouble && kind != kValueConstant;
       for (qsizetype row = 0; row < measured.names.size(); ++row) {
         double value = kNone;
         const double written = stored[static_cast<size_t>(row)];

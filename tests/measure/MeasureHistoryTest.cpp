@@ -102,6 +102,11 @@ TEST(GitHistory, OneDatabasePerSampledCommitFollowingTheCode) {
     EXPECT_EQ(value, i == 0 ? 5 : 14);
     ASSERT_TRUE(reader.ReadSingleValue(1002, value));
     EXPECT_EQ(value, lines[i]);
+    // Every file of a commit is dated by the commit.
+    ASSERT_TRUE(reader.ReadSingleValue(1000, value));
+    EXPECT_NEAR(value, dates[i], 1.0 / 86400);
+    ASSERT_TRUE(reader.ReadValueForRow(2031, "Main.bas", value));
+    EXPECT_NEAR(value, dates[i], 1.0 / 86400);
   }
   EXPECT_EQ(Git(repo, {"status", "--porcelain"}), statusBefore);
   QFile main(repo + "/Main.bas");

@@ -3,10 +3,12 @@
 #include <sys/resource.h>
 
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include "measure/MeasureTestFiles.h"
 #include "measure/ProjectSources.h"
+#include "support/DateValue.h"
 
 namespace ombrelle::test {
 namespace {
@@ -69,6 +71,9 @@ TEST(ProjectSources, ProjectFileResolvesNamesWithoutCaseAndWarnsOfMissingFiles) 
   EXPECT_EQ(sources.title, "Shop");
   EXPECT_EQ(Names(sources), QStringList({"Main.bas", "Classes/CItem.cls", "../Shared/common.FRM"}));
   EXPECT_EQ(sources.files[1].bytes, Module("CItem", 2));
+  // A file on disc is dated by its modification time.
+  EXPECT_NEAR(sources.files[1].date,
+              DateFromQDateTime(QFileInfo(root + "/Classes/CItem.cls").lastModified()), 1e-9);
   EXPECT_EQ(sources.warnings,
             QStringList({"Gone.bas: listed in App.vbp but not found; left out",
                          "Forms\\Lost.frm: listed in App.vbp but not found; left out"}));

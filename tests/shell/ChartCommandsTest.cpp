@@ -2,6 +2,7 @@
 // refusals, the format family tree, the regression line text and the
 // correlation matrix.
 #include <algorithm>
+#include <cmath>
 
 #include <QImage>
 #include <QRegularExpression>
@@ -162,6 +163,32 @@ TEST_F(ChartCommandsTest, HistogramAndDistributionOfTheCurrentColumn) {
             model->Series(series)->count());
   Save(*dots, "Distribution.png");
   EXPECT_FALSE(commands.MakeDistributionChart(0));
+
+  // A change page has no value in its first row: no dot for it, and every
+  // value of the column has its dot at its own height.
+  model->TabClicked(2);
+  model->ChooseComboItem(PageCombo::ProjectInTimeStyle, 1);
+  const int changes = model->CurrentSeries();
+  ASSERT_GT(changes, 0);
+  const CStats inRows = model->SeriesInRowOrder(changes);
+  auto changeDots = commands.MakeDistributionChart(changes);
+  ASSERT_TRUE(changeDots);
+  ZelmChart& drawn = *changeDots;
+  std::vector<double> expected, got;
+  for (int row = 1; row <= inRows.Capacity(); ++row) {
+    double value = 0;
+    if (inRows.ValueAtIndexDefined(row, value))
+      expected.push_back(
+          std::round(drawn.Scale().ValueToY(value, drawn.Plot().Top, drawn.Plot().Bottom)));
+  }
+  ASSERT_LT(static_cast<int>(expected.size()), inRows.Capacity());
+  for (const MetaRecord& r : drawn.GetMetafile().Records())
+    if (r.kind == MetaRecord::Ellipse) got.push_back((r.points[0].y() + r.points[1].y()) / 2.0);
+  std::sort(expected.begin(), expected.end());
+  std::sort(got.begin(), got.end());
+  ASSERT_EQ(got.size(), expected.size());
+  for (size_t i = 0; i < got.size(); ++i) EXPECT_NEAR(got[i], expected[i], 1.0) << i;
+  Save(drawn, "DistributionOfChanges.png");
 }
 
 TEST_F(ChartCommandsTest, PieOfLimitsRefusalsAndShares) {
