@@ -65,14 +65,15 @@ bool LooksBinary(const QByteArray& bytes) {
 
 std::vector<PhysicalLine> SplitPhysicalLines(const QString& text) {
   std::vector<PhysicalLine> lines;
-  const QChar* p = text.constData();
+  const char16_t* p = reinterpret_cast<const char16_t*>(text.constData());
   const qsizetype size = text.size();
+  lines.reserve(static_cast<size_t>(size / 32 + 1));  // about one line per 32 characters
   qsizetype start = 0;
   for (qsizetype i = 0; i < size; ++i) {
-    const char16_t c = p[i].unicode();
-    if (c != u'\n' && c != u'\r') continue;
+    const char16_t c = p[i];
+    if (c > u'\r' || (c != u'\n' && c != u'\r')) continue;  // one test for most characters
     lines.push_back({start, i - start});
-    if (c == u'\r' && i + 1 < size && p[i + 1].unicode() == u'\n') ++i;
+    if (c == u'\r' && i + 1 < size && p[i + 1] == u'\n') ++i;
     start = i + 1;
   }
   if (start < size) lines.push_back({start, size - start});
