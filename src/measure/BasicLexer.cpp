@@ -222,7 +222,9 @@ void BasicLexer::ScanCode(LogicalLine& out) {
     }
   };
 
-  auto push = [&](TokenKind kind, qsizetype from, qsizetype to) {
+  // Inlined: it runs once per token, and a call would keep the scanning
+  // positions out of registers.
+  auto push = [&](TokenKind kind, qsizetype from, qsizetype to) __attribute__((always_inline)) {
     const qsizetype length = std::min<qsizetype>(to - from, std::numeric_limits<int>::max());
     out.tokens.push_back({kind, static_cast<int>(length), from});
   };
