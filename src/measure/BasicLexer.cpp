@@ -62,6 +62,18 @@ inline bool Same(QStringView a, const char (&b)[N]) {
   return true;
 }
 
+// The scanning positions live in memory while the lexer's helpers share
+// them; the runs of blanks and word characters are skipped in registers.
+inline qsizetype SkipBlanks(const QChar* p, qsizetype pos, qsizetype end) {
+  while (pos < end && IsBlank(p[pos].unicode())) ++pos;
+  return pos;
+}
+
+inline qsizetype SkipWordChars(const QChar* p, qsizetype pos, qsizetype end) {
+  while (pos < end && IsWordChar(p[pos])) ++pos;
+  return pos;
+}
+
 // Words that may stand first on a line followed by a colon without being a
 // label: the colon then separates statements.
 bool NeverLabel(QStringView w) {
@@ -242,7 +254,7 @@ void BasicLexer::ScanCode(LogicalLine& out) {
     if (pos >= end) break;
     const char16_t c = p[pos].unicode();
     if (IsBlank(c)) {
-      ++pos;
+      pos = SkipBlanks(p, pos + 1, end);
       continue;
     }
     if (c == u'_' && isContinuation(pos)) {
@@ -293,7 +305,7 @@ void BasicLexer::ScanCode(LogicalLine& out) {
         while (pos < end && p[pos] != u']') ++pos;
         if (pos < end) ++pos;
       } else {
-        while (pos < end && IsWordChar(p[pos])) ++pos;
+        pos = SkipWordChars(p, pos, end);
         if (pos < end) {
           const char16_t s = p[pos].unicode();
           const bool suffix =

@@ -16,13 +16,12 @@ NameHash HashName(const QChar* data, qsizetype size) {
       --size;
   }
   NameHash h = 14695981039346656037ull;
-  const char16_t* p = reinterpret_cast<const char16_t*>(data);
   for (qsizetype i = 0; i < size; ++i) {
-    char16_t c = p[i];
-    if (c >= 0x80)
+    char16_t c = data[i].unicode();
+    if (c >= u'A' && c <= u'Z')
+      c = static_cast<char16_t>(c + 32);
+    else if (c >= 0x80)
       c = QChar(c).toLower().unicode();
-    else
-      c = static_cast<char16_t>(c | ((c >= u'A' && c <= u'Z') ? 0x20 : 0));
     h = (h ^ c) * 1099511628211ull;
   }
   return h == 0 ? 1 : h;
