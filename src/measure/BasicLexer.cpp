@@ -245,11 +245,6 @@ void BasicLexer::ScanCode(LogicalLine& out) {
   int statementBegin = 0;
   bool hasCode = false;
   bool first = true;  // nothing seen yet on the logical line
-  {
-    qsizetype i = pos;
-    while (i < end && IsBlank(p[i].unicode())) ++i;
-    if (i + 1 < end && p[i] == u'#' && IsWordStart(p[i + 1])) out.directive = true;
-  }
   while (true) {
     if (pos >= end) break;
     const char16_t c = p[pos].unicode();
@@ -263,6 +258,9 @@ void BasicLexer::ScanCode(LogicalLine& out) {
     }
     const bool wasFirst = first;
     first = false;
+    // A directive: "#" and a word first on the line's first physical line.
+    if (wasFirst && line == m_line && c == u'#' && pos + 1 < end && IsWordStart(p[pos + 1]))
+      out.directive = true;
     hasCode = true;
     const qsizetype start = pos;
     if (c == u'\'') {
