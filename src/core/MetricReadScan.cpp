@@ -216,7 +216,14 @@ int MetricRead::FindFirstDatabases() {
 
 int MetricRead::FindFirstDatabases(const QString& currentFolder, const QString& programFolder) {
   int found = 0;
+  QStringList scanned;
   auto scan = [&](const QString& folder) {
+    // Started inside the program's sample folder, the folder is read once.
+    const QString canonical = QFileInfo(folder).canonicalFilePath();
+    if (!canonical.isEmpty()) {
+      if (scanned.contains(canonical)) return 0;
+      scanned.append(canonical);
+    }
     const int added = ScanFolder(folder, QString());
     if (added > 0) MetricSave::StoreInRegistry(folder);
     found += added;

@@ -258,6 +258,16 @@ TEST_F(MetricReadScan, FindFirstDatabasesLooksInCurrentThenProgramFolderAndSampl
   }
 }
 
+TEST_F(MetricReadScan, FindFirstDatabasesReadsTheSampleFolderOnceWhenStartedInIt) {
+  const QString prog = Folder(QStringLiteral("in-sample/prog"));
+  const QString sample = Folder(QStringLiteral("in-sample/prog/sample"));
+  Write(sample, "s.qvz", ProjectSave("T", "p", DateSerial(2024, 1, 1), {}));
+  DeleteSettingsTree("Databases");
+  MetricRead reader;
+  EXPECT_EQ(reader.FindFirstDatabases(sample, prog), 1);
+  EXPECT_EQ(reader.DatabaseCount(), 1);
+}
+
 TEST_F(MetricReadScan, NamesDetailsAndTheListOfFiles) {
   const QString folder = Folder(QStringLiteral("db"));
   Write(folder, "first.qvz", ProjectSave("Alpha 1   ", "Alpha.vbp", DateSerial(2024, 1, 1), {}));

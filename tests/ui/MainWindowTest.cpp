@@ -276,9 +276,9 @@ TEST_F(MainWindow, MenusHoldOnlyWorkingEntries) {
                                "&Edit:&Copy table|&Find line...|Find &again",
                                "&Chart:&Bar chart of metric|&Histogram of metric|"
                                "&Distribution of metric|&Compare metrics...|"
-                               "C&ompare histograms...|&Time chart...|&XY chart...||"
+                               "C&ompare histograms...|&Time chart...||"
                                "&Pie of limits on metric|"
-                               "&Kiviat of limits on page",
+                               "&Kiviat of limits on page|&XY chart of 2 metrics...",
                                "&Report:&Data on current page|D&ata+Summary on current page|"
                                "&Statistics on current page|C&harts on current page|"
                                "Cor&relation analysis||&Project status|"

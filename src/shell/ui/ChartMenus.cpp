@@ -69,7 +69,6 @@ void AddChartMenus(QMainWindow& window, PageModel& model) {
         frmSelectManyMetrics::Display(owner, commands, page->CurrentMetric(), metrics))
       ShowChart(*owner, commands.TimeChartOfMetrics(metrics));
   });
-  add("mChartScatter", "&XY chart...", [owner, page] { frmCorrelation::Display(*page, owner); });
   // The time chart is only for the page of a project in time.
   QObject::connect(menu, &QMenu::aboutToShow, menu, [menu, page] {
     if (auto* time = menu->findChild<QAction*>(QStringLiteral("mChartTime")))
@@ -84,6 +83,8 @@ void AddChartMenus(QMainWindow& window, PageModel& model) {
   add("mChartKiviat", "&Kiviat of limits on page", [owner, page] {
     if (auto chart = ChartCommands(*page).MakeKiviatOfLimits()) ShowChart(*owner, std::move(chart));
   });
+  add("mChartScatter", "&XY chart of 2 metrics...",
+      [owner, page] { frmCorrelation::Display(*page, owner); });
 }
 
 void AttachGridCharts(StatsPanel& panel, MetaView& pageView, MetaView& gridView) {
