@@ -1,25 +1,42 @@
 #include "measure/BasicLexer.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace ombrelle {
 
 namespace {
 
-bool IsBlank(char16_t c) { return c <= u' ' || c == 0x00A0 || c == 0xFEFF; }
+// Classes of the ASCII characters, looked up rather than compared one by one:
+// the lexer asks for them at every character.
+enum : unsigned char { kBlankClass = 1, kStartClass = 2, kWordClass = 4 };
 
-bool IsWordStart(QChar c) {
+constexpr std::array<unsigned char, 128> MakeAsciiClasses() {
+  std::array<unsigned char, 128> t{};
+  for (int c = 0; c <= ' '; ++c) t[c] = kBlankClass;
+  for (int c = 'a'; c <= 'z'; ++c) t[c] = kStartClass | kWordClass;
+  for (int c = 'A'; c <= 'Z'; ++c) t[c] = kStartClass | kWordClass;
+  for (int c = '0'; c <= '9'; ++c) t[c] = kWordClass;
+  t['_'] = kWordClass;
+  return t;
+}
+constexpr std::array<unsigned char, 128> kAscii = MakeAsciiClasses();
+
+inline bool IsBlank(char16_t c) {
+  if (c < 0x80) return kAscii[c] & kBlankClass;
+  return c == 0x00A0 || c == 0xFEFF;
+}
+
+inline bool IsWordStart(QChar c) {
   const char16_t u = c.unicode();
-  if (u < 0x80) return (u >= u'a' && u <= u'z') || (u >= u'A' && u <= u'Z');
+  if (u < 0x80) return kAscii[u] & kStartClass;
   return c.isLetter();
 }
 
-bool IsWordChar(QChar c) {
+inline bool IsWordChar(QChar c) {
   const char16_t u = c.unicode();
-  if (u < 0x80)
-    return (u >= u'a' && u <= u'z') || (u >= u'A' && u <= u'Z') || (u >= u'0' && u <= u'9') ||
-           u == u'_';
+  if (u < 0x80) return kAscii[u] & kWordClass;
   return c.isLetterOrNumber();
 }
 
@@ -30,14 +47,49 @@ bool IsDateChar(char16_t c) {
          c == u'A' || c == u'P' || c == u'M' || c == u'a' || c == u'p' || c == u'm';
 }
 
+// `a` equals the ASCII word `b` (given in lower case), ignoring letter case.
+template <size_t N>
+inline bool Same(QStringView a, const char (&b)[N]) {
+  if (a.size() != static_cast<qsizetype>(N - 1)) return false;
+  const QChar* p = a.data();
+  for (size_t k = 0; k + 1 < N; ++k) {
+    char16_t c = p[k].unicode();
+    // Letters beyond ASCII may fold onto ASCII ones: leave those to Qt.
+    if (c >= 0x80) return a.compare(QLatin1String(b, N - 1), Qt::CaseInsensitive) == 0;
+    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + 32);
+    if (c != static_cast<unsigned char>(b[k])) return false;
+  }
+  return true;
+}
+
+// The scanning positions live in memory while the lexer's helpers share
+// them; the runs of blanks and word characters are skipped in registers.
+inline qsizetype SkipBlanks(const QChar* p, qsizetype pos, qsizetype end) {
+  while (pos < end && IsBlank(p[pos].unicode())) ++pos;
+  return pos;
+}
+
+inline qsizetype SkipWordChars(const QChar* p, qsizetype pos, qsizetype end) {
+  while (pos < end && IsWordChar(p[pos])) ++pos;
+  return pos;
+}
+
 // Words that may stand first on a line followed by a colon without being a
 // label: the colon then separates statements.
 bool NeverLabel(QStringView w) {
-  static const char* const kWords[] = {"else",   "do",     "loop", "next", "wend",
-                                       "resume", "return", "stop", "end",  "exit"};
-  for (const char* k : kWords)
-    if (w.compare(QLatin1String(k), Qt::CaseInsensitive) == 0) return true;
-  return false;
+  switch (w.size()) {
+    case 2:
+      return Same(w, "do");
+    case 3:
+      return Same(w, "end");
+    case 4:
+      return Same(w, "else") || Same(w, "loop") || Same(w, "next") || Same(w, "wend") ||
+             Same(w, "stop") || Same(w, "exit");
+    case 6:
+      return Same(w, "resume") || Same(w, "return");
+    default:
+      return false;
+  }
 }
 
 // First word of a line (after blanks), or an empty view.
@@ -50,17 +102,13 @@ QStringView FirstWord(QStringView line, qsizetype* after = nullptr) {
   return line.mid(start, i - start);
 }
 
-bool Same(QStringView a, const char* b) {
-  return a.compare(QLatin1String(b), Qt::CaseInsensitive) == 0;
-}
-
 }  // namespace
 
 BasicLexer::BasicLexer(const QString& text, const std::vector<PhysicalLine>& lines)
     : m_text(text), m_lines(lines) {
   if (!lines.empty()) {
     const QStringView first = QStringView(text).mid(lines[0].begin, lines[0].length);
-    if (Same(FirstWord(first), "VERSION")) m_headerDepth = 0;
+    if (Same(FirstWord(first), "version")) m_headerDepth = 0;
   }
 }
 
@@ -98,11 +146,20 @@ bool BasicLexer::HiddenLine(LogicalLine& out) {
   (void)out;
   const PhysicalLine& pl = m_lines[m_line];
   const QStringView line = QStringView(m_text).mid(pl.begin, pl.length);
+  if (m_headerDepth < 0) {
+    // Past the designer's header only Attribute lines are hidden: most lines
+    // are told apart by their first character.
+    qsizetype i = 0;
+    while (i < line.size() && IsBlank(line[i].unicode())) ++i;
+    if (i == line.size()) return false;
+    const char16_t c = line[i].unicode();
+    if (c < 0x80 && c != u'A' && c != u'a') return false;
+  }
   qsizetype after = 0;
   const QStringView word = FirstWord(line, &after);
   if (m_headerDepth > 0) {
-    if (Same(word, "Begin") || Same(word, "BeginProperty")) {
-      if (Same(word, "Begin")) {
+    if (Same(word, "begin") || Same(word, "beginproperty")) {
+      if (Same(word, "begin")) {
         // Begin Library.Kind Name: the name of a control on the form.
         const QStringView rest = line.mid(after);
         qsizetype afterKind = 0;
@@ -111,24 +168,24 @@ bool BasicLexer::HiddenLine(LogicalLine& out) {
         if (!name.isEmpty()) m_controls << name.toString();
       }
       ++m_headerDepth;
-    } else if (Same(word, "End") || Same(word, "EndProperty")) {
+    } else if (Same(word, "end") || Same(word, "endproperty")) {
       if (--m_headerDepth == 0) m_headerDepth = -1;  // the header ends with this line
     }
     return true;
   }
   if (m_headerDepth == 0) {
     // Before the outermost Begin: the version line, the component lines.
-    if (Same(word, "Begin")) {
+    if (Same(word, "begin")) {
       m_headerDepth = 1;
       return true;
     }
-    if (Same(word, "VERSION") || Same(word, "Object") || word.isEmpty()) return true;
+    if (Same(word, "version") || Same(word, "object") || word.isEmpty()) return true;
     m_headerDepth = -1;
   }
-  if (Same(word, "Attribute") && after < line.size() && IsBlank(line[after].unicode())) {
+  if (Same(word, "attribute") && after < line.size() && IsBlank(line[after].unicode())) {
     const QStringView rest = line.mid(after);
     qsizetype afterName = 0;
-    if (Same(FirstWord(rest, &afterName), "VB_Name")) {
+    if (Same(FirstWord(rest, &afterName), "vb_name")) {
       const qsizetype open = rest.indexOf(u'"', afterName);
       const qsizetype close = open < 0 ? -1 : rest.indexOf(u'"', open + 1);
       if (close > open + 1) m_moduleName = rest.mid(open + 1, close - open - 1).toString();
@@ -177,7 +234,9 @@ void BasicLexer::ScanCode(LogicalLine& out) {
     }
   };
 
-  auto push = [&](TokenKind kind, qsizetype from, qsizetype to) {
+  // Inlined: it runs once per token, and a call would keep the scanning
+  // positions out of registers.
+  auto push = [&](TokenKind kind, qsizetype from, qsizetype to) __attribute__((always_inline)) {
     const qsizetype length = std::min<qsizetype>(to - from, std::numeric_limits<int>::max());
     out.tokens.push_back({kind, static_cast<int>(length), from});
   };
@@ -186,16 +245,11 @@ void BasicLexer::ScanCode(LogicalLine& out) {
   int statementBegin = 0;
   bool hasCode = false;
   bool first = true;  // nothing seen yet on the logical line
-  {
-    qsizetype i = pos;
-    while (i < end && IsBlank(p[i].unicode())) ++i;
-    if (i + 1 < end && p[i] == u'#' && IsWordStart(p[i + 1])) out.directive = true;
-  }
   while (true) {
     if (pos >= end) break;
     const char16_t c = p[pos].unicode();
     if (IsBlank(c)) {
-      ++pos;
+      pos = SkipBlanks(p, pos + 1, end);
       continue;
     }
     if (c == u'_' && isContinuation(pos)) {
@@ -204,6 +258,9 @@ void BasicLexer::ScanCode(LogicalLine& out) {
     }
     const bool wasFirst = first;
     first = false;
+    // A directive: "#" and a word first on the line's first physical line.
+    if (wasFirst && line == m_line && c == u'#' && pos + 1 < end && IsWordStart(p[pos + 1]))
+      out.directive = true;
     hasCode = true;
     const qsizetype start = pos;
     if (c == u'\'') {
@@ -246,7 +303,7 @@ void BasicLexer::ScanCode(LogicalLine& out) {
         while (pos < end && p[pos] != u']') ++pos;
         if (pos < end) ++pos;
       } else {
-        while (pos < end && IsWordChar(p[pos])) ++pos;
+        pos = SkipWordChars(p, pos, end);
         if (pos < end) {
           const char16_t s = p[pos].unicode();
           const bool suffix =
@@ -255,7 +312,7 @@ void BasicLexer::ScanCode(LogicalLine& out) {
         }
       }
       const QStringView word(p + start, pos - start);
-      if (static_cast<int>(out.tokens.size()) == statementBegin && Same(word, "Rem") &&
+      if (static_cast<int>(out.tokens.size()) == statementBegin && Same(word, "rem") &&
           (pos >= end || !IsWordChar(p[pos]))) {
         hasCode = !out.tokens.empty() || !out.statements.empty() || !wasFirst;
         scanComment();

@@ -82,13 +82,10 @@ class Counter {
     const Token& t = m_line.tokens[static_cast<size_t>(i)];
     if (t.kind != TokenKind::Word || t.length != static_cast<qsizetype>(N - 1)) return false;
     const QChar* p = m_text.constData() + t.begin;
-    for (size_t k = 0; k + 1 < N; ++k) {
-      char16_t c = p[k].unicode();
-      if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + 32);
-      char16_t want = static_cast<unsigned char>(w[k]);
-      if (want >= u'A' && want <= u'Z') want = static_cast<char16_t>(want + 32);
-      if (c != want) return false;
-    }
+    // The keywords are letters only: setting the lower-case bit on both sides
+    // makes the two cases of a letter equal and nothing else.
+    for (size_t k = 0; k + 1 < N; ++k)
+      if ((p[k].unicode() | 0x20) != (static_cast<unsigned char>(w[k]) | 0x20)) return false;
     return true;
   }
   bool IsPunct(int i, char16_t c) const {

@@ -3,7 +3,13 @@
 #include "support/Codepage.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstring>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace ombrelle {
 
@@ -46,13 +52,26 @@ bool IsValidUtf8(const unsigned char* p, qsizetype size) {
   return true;
 }
 
+// No byte has its high bit set; eight bytes are looked at in one step.
+bool IsAscii(const unsigned char* p, qsizetype size) {
+  qsizetype i = 0;
+  std::uint64_t high = 0;
+  for (; i + 8 <= size; i += 8) {
+    std::uint64_t word;
+    std::memcpy(&word, p + i, 8);
+    high |= word;
+  }
+  for (; i < size; ++i) high |= p[i];
+  return (high & 0x8080808080808080ull) == 0;
+}
+
 }  // namespace
 
 QString DecodeSource(const QByteArray& bytes) {
   if (bytes.startsWith("\xEF\xBB\xBF"))
     return QString::fromUtf8(bytes.constData() + 3, bytes.size() - 3);
   const auto* data = reinterpret_cast<const unsigned char*>(bytes.constData());
-  if (std::all_of(data, data + bytes.size(), [](unsigned char c) { return c < 0x80; }))
+  if (IsAscii(data, bytes.size()))
     return QString::fromLatin1(bytes);  // plain ASCII, the common case, converted fastest
   if (IsValidUtf8(data, bytes.size())) return QString::fromUtf8(bytes);
   return MultiByteToText(bytes, kCodepageAnsi);
@@ -65,15 +84,32 @@ bool LooksBinary(const QByteArray& bytes) {
 
 std::vector<PhysicalLine> SplitPhysicalLines(const QString& text) {
   std::vector<PhysicalLine> lines;
-  const QChar* p = text.constData();
+  const char16_t* p = reinterpret_cast<const char16_t*>(text.constData());
   const qsizetype size = text.size();
+  lines.reserve(static_cast<size_t>(size / 32 + 1));  // about one line per 32 characters
   qsizetype start = 0;
-  for (qsizetype i = 0; i < size; ++i) {
-    const char16_t c = p[i].unicode();
-    if (c != u'\n' && c != u'\r') continue;
+  qsizetype i = 0;
+  for (;;) {
+#ifdef __SSE2__
+    // Eight characters at a time up to the next one that may end a line.
+    const __m128i cr = _mm_set1_epi16('\r');
+    const __m128i lf = _mm_set1_epi16('\n');
+    while (i + 8 <= size) {
+      const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+      const int mask =
+          _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(chunk, cr), _mm_cmpeq_epi16(chunk, lf)));
+      if (mask != 0) {
+        i += std::countr_zero(static_cast<unsigned>(mask)) / 2;
+        break;
+      }
+      i += 8;
+    }
+#endif
+    while (i < size && p[i] != u'\n' && p[i] != u'\r') ++i;
+    if (i >= size) break;
     lines.push_back({start, i - start});
-    if (c == u'\r' && i + 1 < size && p[i + 1].unicode() == u'\n') ++i;
-    start = i + 1;
+    if (p[i] == u'\r' && i + 1 < size && p[i + 1] == u'\n') ++i;
+    start = ++i;
   }
   if (start < size) lines.push_back({start, size - start});
   return lines;
