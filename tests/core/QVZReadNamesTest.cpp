@@ -181,16 +181,16 @@ TEST(QVZReadNames, ItemFileFollowsFileNumbersOfOlderFiles) {
     SCOPED_TRACE(version);
     QvzFixture f;
     f.version = version;
+    // Each class is finished before the next is added: adding may move the
+    // earlier ones.
     ClassSpec& files = f.AddClass(1, 2);
     files.rowNames = {"a.c", "b.c"};
     files.fileNrs = {7, 9};
+    if (version >= 3.0f) files.series.push_back(SeriesSpec::Stored(2001, 3, {1, 2}));
     ClassSpec& procs = f.AddClass(3, 3);
     procs.rowNames = {"p1", "p2", "p3"};
     procs.fileNrs = {9, 7, 4};
-    if (version >= 3.0f) {
-      files.series.push_back(SeriesSpec::Stored(2001, 3, {1, 2}));
-      procs.series.push_back(SeriesSpec::Stored(4001, 3, {1, 2, 3}));
-    }
+    if (version >= 3.0f) procs.series.push_back(SeriesSpec::Stored(4001, 3, {1, 2, 3}));
     QTemporaryDir dir;
     QVZRead reader;
     ASSERT_TRUE(OpenFixture(reader, dir, f));
