@@ -223,9 +223,9 @@ TEST_F(BatchReports, InstallIntoATemporaryPrefixRunsOnItsOwnSamples) {
   ASSERT_TRUE(install.waitForFinished(120000));
   ASSERT_EQ(install.exitCode(), 0) << install.readAllStandardError().toStdString();
   for (const char* file :
-       {"bin/qvzview", "share/ombrelle/www/pm-index.html", "share/ombrelle/www/pm-batch.html",
-        "share/applications/qvzview.desktop", "share/mime/packages/ombrelle-qvz.xml",
-        "share/icons/hicolor/scalable/apps/qvzview.svg",
+       {"bin/qvzview", "share/ombrelle/www/pm-index.html", "share/ombrelle/www/help.css",
+        "share/ombrelle/www/pm-batch.html", "share/applications/qvzview.desktop",
+        "share/mime/packages/ombrelle-qvz.xml", "share/icons/hicolor/scalable/apps/qvzview.svg",
         "share/icons/hicolor/48x48/apps/qvzview.png"})
     EXPECT_TRUE(QFile::exists(prefix + '/' + file)) << file;
 
