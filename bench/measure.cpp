@@ -3,9 +3,15 @@
 // reading the same files' bytes.
 #include <benchmark/benchmark.h>
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <random>
 
 #include "measure/MeasuredProject.h"
 #include "measure/ProjectSources.h"
@@ -156,6 +162,126 @@ void BM_Measure_ReadReference(benchmark::State& state) {
 }
 BENCHMARK(BM_Measure_ReadReference)->Unit(benchmark::kMillisecond);
 
+// --- The --dump mode: every object, metric and value the counting gives for
+// the generated tree, for each file or folder named after --dump, and for
+// files mixed at random from those folders' lines, so that a change meant
+// only to speed the counting up can be shown to keep every count.
+
+void Dump(const QString& what, const MeasuredProject& project, QByteArray& out) {
+  out += "== " + what.toUtf8() + "\n";
+  for (const QString& w : project.warnings) out += "warning " + w.toUtf8() + "\n";
+  for (const MeasuredClass& c : project.classes) {
+    out += "class " + QByteArray::number(c.classNr) + "\n";
+    for (qsizetype r = 0; r < c.names.size(); ++r) {
+      out += c.names[r].toUtf8();
+      for (size_t k = 0; k < c.metrics.size(); ++k) {
+        char value[64];
+        std::snprintf(value, sizeof value, " %d=%.17g", c.metrics[k],
+                      c.values[k][static_cast<size_t>(r)]);
+        out += value;
+      }
+      out += "\n";
+    }
+  }
+}
+
+// Physical lines of every source file under `folder`.
+void CollectLines(const QString& path, std::vector<QByteArray>& lines) {
+  const ProjectSources sources = ProjectSources::FromPath(path);
+  for (const SourceFile& f : sources.files)
+    for (const QByteArray& line : f.bytes.split('\n')) lines.push_back(line);
+}
+
+int DumpMain(int argc, char** argv) {
+  QByteArray out;
+  // Files on disc carry their modification times, which change from run to
+  // run: left out.
+  auto undated = [](std::vector<SourceFile> files) {
+    for (SourceFile& f : files) f.date = std::numeric_limits<double>::quiet_NaN();
+    return files;
+  };
+  const ProjectSources tree = ProjectSources::FromPath(Tree());
+  Dump(QStringLiteral("generated tree"),
+       MeasureSources(QStringLiteral("Tree"), undated(tree.files)), out);
+  std::vector<QByteArray> lines;
+  for (int a = 2; a < argc; ++a) {
+    const QString path = QString::fromLocal8Bit(argv[a]);
+    const ProjectSources sources = ProjectSources::FromPath(path);
+    Dump(path, MeasureSources(sources.projectFile, undated(sources.files)), out);
+    // Each file alone too, as the fuzzing target measures it: its bytes cut in two.
+    for (const SourceFile& f : sources.files) {
+      const qsizetype half = f.bytes.size() / 2;
+      Dump(f.name, MeasureSources(QStringLiteral("One"), {{f.name, f.bytes}}), out);
+      Dump(f.name + QStringLiteral(" halves"),
+           MeasureSources(QStringLiteral("Two"), {{QStringLiteral("One.cls"), f.bytes.left(half)},
+                                                  {QStringLiteral("Two.bas"), f.bytes.mid(half)}}),
+           out);
+    }
+    CollectLines(path, lines);
+    // Fuzzing seeds: the first byte picks the kind of the first file.
+    for (const QString& name : QDir(path).entryList({QStringLiteral("*.seed")}, QDir::Files)) {
+      QFile seed(path + QLatin1Char('/') + name);
+      if (!seed.open(QIODevice::ReadOnly)) continue;
+      const QByteArray data = seed.readAll();
+      if (data.isEmpty()) continue;
+      static const char* const kKinds[] = {"bas", "cls", "frm", "ctl", "dsr", "txt"};
+      const QByteArray bytes = data.mid(1);
+      const qsizetype half = bytes.size() / 2;
+      Dump(name,
+           MeasureSources(
+               QStringLiteral("Fuzz"),
+               {{QStringLiteral("One.") + QLatin1String(kKinds[data[0] % 6]), bytes.left(half)},
+                {QStringLiteral("dir/Two.bas"), bytes.mid(half)}}),
+           out);
+      for (const QByteArray& line : bytes.split('\n')) lines.push_back(line);
+    }
+  }
+  for (int file = 0; file < 3; ++file) {
+    const QList<QByteArray> generated = SourceFileText(file).split('\n');
+    lines.insert(lines.end(), generated.begin(), generated.begin() + 90);
+  }
+  // Random mixtures of those lines, with some of their characters changed to
+  // ones the lexer treats specially.
+  if (!lines.empty()) {
+    std::mt19937 random(28);
+    const char kSpecial[] = "\"':_ \t\r\n#&.()=<>[]!$%@,";
+    for (int project = 0; project < 200; ++project) {
+      std::vector<SourceFile> files;
+      const int fileCount = 1 + static_cast<int>(random() % 3);
+      for (int f = 0; f < fileCount; ++f) {
+        QByteArray text;
+        const int lineCount = static_cast<int>(random() % 60);
+        for (int l = 0; l < lineCount; ++l) {
+          QByteArray line = lines[random() % lines.size()];
+          if (random() % 4 == 0 && !line.isEmpty())
+            line[static_cast<qsizetype>(random() % static_cast<unsigned>(line.size()))] =
+                kSpecial[random() % (sizeof kSpecial - 1)];
+          text += line + (random() % 5 == 0 ? "\r\n" : "\n");
+        }
+        static const char* const kExtensions[] = {".bas", ".cls", ".frm", ".ctl"};
+        const double date = random() % 3 == 0 ? 45000 + static_cast<double>(random() % 100) / 8
+                                              : std::numeric_limits<double>::quiet_NaN();
+        files.push_back({QStringLiteral("F%1").arg(f) + kExtensions[random() % 4], text, date});
+      }
+      Dump(QStringLiteral("mix %1").arg(project), MeasureSources(QStringLiteral("Mix"), files),
+           out);
+    }
+  }
+  std::fwrite(out.constData(), 1, static_cast<size_t>(out.size()), stdout);
+  std::fprintf(stderr, "md5 %s, %lld bytes\n",
+               QCryptographicHash::hash(out, QCryptographicHash::Md5).toHex().constData(),
+               static_cast<long long>(out.size()));
+  return 0;
+}
+
 }  // namespace
 
-BENCHMARK_MAIN();
+// `bench_measure --dump [path...]` prints the counts instead of timing them.
+int main(int argc, char** argv) {
+  if (argc > 1 && std::strcmp(argv[1], "--dump") == 0) return DumpMain(argc, argv);
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
