@@ -90,7 +90,11 @@ QByteArray SourceFileText(int file) {
   }
   text += "Attribute VB_Name = \"M" + QByteArray::number(file) + "\"\r\nOption Explicit\r\n\r\n";
   text += "Private mCount As Long\r\nPublic Const MaxItems As Long = 500\r\n\r\n";
-  for (int n = 1; text.count('\n') < kLinesPerFile; ++n) text += Procedure(file, n);
+  for (qsizetype lines = text.count('\n'), n = 1; lines < kLinesPerFile; ++n) {
+    const QByteArray procedure = Procedure(file, static_cast<int>(n));
+    lines += procedure.count('\n');
+    text += procedure;
+  }
   // Exactly kLinesPerFile lines.
   qsizetype end = 0;
   for (int line = 0; line < kLinesPerFile; ++line) end = text.indexOf('\n', end) + 1;
