@@ -23,6 +23,14 @@ constexpr std::array<unsigned char, 128> MakeAsciiClasses() {
 }
 constexpr std::array<unsigned char, 128> kAscii = MakeAsciiClasses();
 
+// ASCII characters in lower case, as names are hashed.
+constexpr std::array<char16_t, 128> MakeLowerCase() {
+  std::array<char16_t, 128> t{};
+  for (int c = 0; c < 128; ++c) t[c] = static_cast<char16_t>(c >= 'A' && c <= 'Z' ? c + 32 : c);
+  return t;
+}
+constexpr std::array<char16_t, 128> kLowerCase = MakeLowerCase();
+
 inline bool IsBlank(char16_t c) {
   if (c < 0x80) return kAscii[c] & kBlankClass;
   return c == 0x00A0 || c == 0xFEFF;
@@ -201,7 +209,9 @@ void BasicLexer::EndStatement(LogicalLine& out, int& statementBegin) {
   statementBegin = size;
 }
 
-void BasicLexer::ScanCode(LogicalLine& out) {
+// Flattened: the vector's growth and the small helpers are inlined, so that
+// the scanning positions stay in registers across them.
+__attribute__((flatten)) void BasicLexer::ScanCode(LogicalLine& out) {
   const QChar* p = m_text.constData();
   size_t line = m_line;
   qsizetype lineStart = 0, pos = 0, end = 0, lastNonBlank = 0;
@@ -222,14 +232,15 @@ void BasicLexer::ScanCode(LogicalLine& out) {
     ++out.lineCount;
     return true;
   };
+  // A comment runs to the end of its line, and on to the next line when a
+  // continuation ends it; only a continuation can stand last on a line, so
+  // the rest of each line is looked at only for a letter or digit.
   auto scanComment = [&]() {
     out.hasComment = true;
     for (;;) {
-      for (; pos < end; ++pos) {
-        if (isContinuation(pos)) break;
-        if (p[pos].isLetterOrNumber()) out.meaningfulComment = true;
-      }
-      if (pos < end && nextLine()) continue;
+      for (qsizetype i = pos; i < end && !out.meaningfulComment; ++i)
+        if (p[i].isLetterOrNumber()) out.meaningfulComment = true;
+      if (lastNonBlank >= pos && isContinuation(lastNonBlank) && nextLine()) continue;
       break;
     }
   };
@@ -238,7 +249,7 @@ void BasicLexer::ScanCode(LogicalLine& out) {
   // positions out of registers.
   auto push = [&](TokenKind kind, qsizetype from, qsizetype to) __attribute__((always_inline)) {
     const qsizetype length = std::min<qsizetype>(to - from, std::numeric_limits<int>::max());
-    out.tokens.push_back({kind, static_cast<int>(length), from});
+    out.tokens.push_back({kind, Keyword::None, static_cast<int>(length), from, 0});
   };
 
   enterLine(m_line);
@@ -252,7 +263,10 @@ void BasicLexer::ScanCode(LogicalLine& out) {
       pos = SkipBlanks(p, pos + 1, end);
       continue;
     }
-    if (c == u'_' && isContinuation(pos)) {
+    // Words first: most tokens are words, and a letter is none of the
+    // characters checked below.
+    const bool letter = IsWordStart(p[pos]);
+    if (!letter && c == u'_' && isContinuation(pos)) {
       if (!nextLine()) pos = end;
       continue;
     }
@@ -263,6 +277,56 @@ void BasicLexer::ScanCode(LogicalLine& out) {
       out.directive = true;
     hasCode = true;
     const qsizetype start = pos;
+    if (letter || c == u'[') {
+      NameHash hash = 0;
+      if (c == u'[') {
+        while (pos < end && p[pos] != u']') ++pos;
+        if (pos < end) ++pos;
+        hash = HashName(p + start, pos - start);
+      } else {
+        // ASCII letters, digits and "_" are hashed as they are read.
+        NameHash h = kNameHashStart;
+        for (; pos < end; ++pos) {
+          const char16_t w = p[pos].unicode();
+          if (w >= 0x80 || !(kAscii[w] & kWordClass)) break;
+          h = HashStep(h, kLowerCase[w]);
+        }
+        if (pos < end && IsWordChar(p[pos])) {
+          // Letters beyond ASCII: the rest is read, and the whole hashed, by the slower way.
+          pos = SkipWordChars(p, pos, end);
+          hash = HashName(p + start, pos - start);
+        } else {
+          hash = HashEnd(h);
+        }
+        // A type suffix is part of the word but not of its hash.
+        if (pos < end) {
+          const char16_t s = p[pos].unicode();
+          const bool suffix =
+              s == u'%' || s == u'&' || s == u'!' || s == u'#' || s == u'@' || s == u'$';
+          if (suffix && (pos + 1 >= end || !IsWordChar(p[pos + 1]))) ++pos;
+        }
+      }
+      const QStringView word(p + start, pos - start);
+      if (static_cast<int>(out.tokens.size()) == statementBegin && Same(word, "rem") &&
+          (pos >= end || !IsWordChar(p[pos]))) {
+        hasCode = !out.tokens.empty() || !out.statements.empty() || !wasFirst;
+        scanComment();
+        break;
+      }
+      if (wasFirst && !NeverLabel(word)) {
+        qsizetype i = pos;
+        while (i < end && IsBlank(p[i].unicode())) ++i;
+        if (i < end && p[i] == u':' && !(i + 1 < end && p[i + 1] == u'=')) {
+          pos = i + 1;  // a label: code, but no statement
+          continue;
+        }
+      }
+      push(TokenKind::Word, start, pos);
+      Token& t = out.tokens.back();
+      t.hash = hash;
+      t.keyword = KeywordOf(p + start, pos - start, hash);
+      continue;
+    }
     if (c == u'\'') {
       hasCode = !out.tokens.empty() || !wasFirst;
       ++pos;
@@ -296,37 +360,6 @@ void BasicLexer::ScanCode(LogicalLine& out) {
         EndStatement(out, statementBegin);
         ++pos;
       }
-      continue;
-    }
-    if (IsWordStart(p[pos]) || c == u'[') {
-      if (c == u'[') {
-        while (pos < end && p[pos] != u']') ++pos;
-        if (pos < end) ++pos;
-      } else {
-        pos = SkipWordChars(p, pos, end);
-        if (pos < end) {
-          const char16_t s = p[pos].unicode();
-          const bool suffix =
-              s == u'%' || s == u'&' || s == u'!' || s == u'#' || s == u'@' || s == u'$';
-          if (suffix && (pos + 1 >= end || !IsWordChar(p[pos + 1]))) ++pos;
-        }
-      }
-      const QStringView word(p + start, pos - start);
-      if (static_cast<int>(out.tokens.size()) == statementBegin && Same(word, "rem") &&
-          (pos >= end || !IsWordChar(p[pos]))) {
-        hasCode = !out.tokens.empty() || !out.statements.empty() || !wasFirst;
-        scanComment();
-        break;
-      }
-      if (wasFirst && !NeverLabel(word)) {
-        qsizetype i = pos;
-        while (i < end && IsBlank(p[i].unicode())) ++i;
-        if (i < end && p[i] == u':' && !(i + 1 < end && p[i + 1] == u'=')) {
-          pos = i + 1;  // a label: code, but no statement
-          continue;
-        }
-      }
-      push(TokenKind::Word, start, pos);
       continue;
     }
     if (IsDigit(c) || (c == u'.' && pos + 1 < end && IsDigit(p[pos + 1].unicode()))) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "measure/BasicWords.h"
 #include "measure/SourceText.h"
 
 #include <QString>
@@ -22,8 +23,10 @@ enum class TokenKind : std::uint8_t { Word, Number, String, Date, Punct };
 // a run of the comparison characters < = > such as "<=", or ":=".
 struct Token {
   TokenKind kind = TokenKind::Punct;
+  Keyword keyword = Keyword::None;  // the keyword a word spells
   int length = 0;
   qsizetype begin = 0;
+  NameHash hash = 0;  // of a word: HashName of its text
 };
 
 enum class LineKind {

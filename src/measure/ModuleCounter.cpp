@@ -7,28 +7,6 @@
 
 namespace ombrelle {
 
-NameHash HashName(const QChar* data, qsizetype size) {
-  // A type-suffix character is no part of the name: s$ and s are one variable.
-  if (size > 1) {
-    const char16_t last = data[size - 1].unicode();
-    if (last == u'$' || last == u'%' || last == u'&' || last == u'!' || last == u'#' ||
-        last == u'@')
-      --size;
-  }
-  NameHash h = 14695981039346656037ull;
-  for (qsizetype i = 0; i < size; ++i) {
-    char16_t c = data[i].unicode();
-    if (c >= u'A' && c <= u'Z')
-      c = static_cast<char16_t>(c + 32);
-    else if (c >= 0x80)
-      c = QChar(c).toLower().unicode();
-    h = (h ^ c) * 1099511628211ull;
-  }
-  return h == 0 ? 1 : h;
-}
-
-NameHash HashName(const QString& name) { return HashName(name.constData(), name.size()); }
-
 bool IsHandlerName(const QString& procedure, const QStringList& prefixes) {
   const qsizetype bar = procedure.indexOf(QLatin1Char('_'));
   if (bar <= 0) return false;
@@ -75,18 +53,10 @@ class Counter {
   enum class Block { None, Type, Enum };
 
   // --- tokens of the current line
-  // Keywords are ASCII: compared by length first, then letter by letter.
-  template <size_t N>
-  bool IsWord(int i, const char (&w)[N]) const {
-    if (i < 0 || i >= static_cast<int>(m_line.tokens.size())) return false;
-    const Token& t = m_line.tokens[static_cast<size_t>(i)];
-    if (t.kind != TokenKind::Word || t.length != static_cast<qsizetype>(N - 1)) return false;
-    const QChar* p = m_text.constData() + t.begin;
-    // The keywords are letters only: setting the lower-case bit on both sides
-    // makes the two cases of a letter equal and nothing else.
-    for (size_t k = 0; k + 1 < N; ++k)
-      if ((p[k].unicode() | 0x20) != (static_cast<unsigned char>(w[k]) | 0x20)) return false;
-    return true;
+  // The lexer numbered the keywords: a keyword is told by its number.
+  bool IsWord(int i, Keyword k) const {
+    return i >= 0 && i < static_cast<int>(m_line.tokens.size()) &&
+           m_line.tokens[static_cast<size_t>(i)].keyword == k;
   }
   bool IsPunct(int i, char16_t c) const {
     if (i < 0 || i >= static_cast<int>(m_line.tokens.size())) return false;
@@ -100,10 +70,7 @@ class Counter {
   QString WordAt(int i) const {
     return m_lexer.Text(m_line.tokens[static_cast<size_t>(i)]).toString();
   }
-  NameHash Hash(int i) const {
-    const QStringView v = m_lexer.Text(m_line.tokens[i]);
-    return HashName(v.data(), v.size());
-  }
+  NameHash Hash(int i) const { return m_line.tokens[static_cast<size_t>(i)].hash; }
   // Index of the token after the parenthesis that closes the one at `i`.
   int SkipParens(int i, int e) const {
     int depth = 0;
@@ -126,9 +93,9 @@ class Counter {
         depth = std::max(0, depth - 1);
       else if (IsPunct(i, u',') && depth == 0)
         want = true;
-      else if (want && depth == 0 && IsAnyWord(i) && !IsWord(i, "Optional") &&
-               !IsWord(i, "ByVal") && !IsWord(i, "ByRef") && !IsWord(i, "ParamArray") &&
-               !IsWord(i, "WithEvents")) {
+      else if (want && depth == 0 && IsAnyWord(i) && !IsWord(i, Keyword::Optional) &&
+               !IsWord(i, Keyword::ByVal) && !IsWord(i, Keyword::ByRef) &&
+               !IsWord(i, Keyword::ParamArray) && !IsWord(i, Keyword::WithEvents)) {
         names.push_back(i);
         want = false;
       }
@@ -171,14 +138,14 @@ class Counter {
   void Directive() {
     // Only the first branch of each #If is measured; the lines of the other
     // branches are counted as lines but hold no statements.
-    if (IsWord(1, "If")) {
+    if (IsWord(1, Keyword::If)) {
       m_directives.push_back(true);
-    } else if (IsWord(1, "ElseIf") || IsWord(1, "Else")) {
+    } else if (IsWord(1, Keyword::ElseIf) || IsWord(1, Keyword::Else)) {
       if (!m_directives.empty() && m_directives.back()) {
         m_directives.back() = false;
         ++m_inactive;
       }
-    } else if (IsWord(1, "End")) {
+    } else if (IsWord(1, Keyword::End)) {
       if (!m_directives.empty()) {
         if (!m_directives.back()) --m_inactive;
         m_directives.pop_back();
@@ -201,15 +168,17 @@ class Counter {
   void Statement(int b, int e, int nesting) {
     int i = b;
     bool isPrivate = false, isPublic = false;
-    while (i < e && (IsWord(i, "Public") || IsWord(i, "Private") || IsWord(i, "Friend") ||
-                     IsWord(i, "Global") || IsWord(i, "Static"))) {
-      isPrivate |= IsWord(i, "Private");
-      isPublic |= IsWord(i, "Public") || IsWord(i, "Global");
+    while (i < e && (IsWord(i, Keyword::Public) || IsWord(i, Keyword::Private) ||
+                     IsWord(i, Keyword::Friend) || IsWord(i, Keyword::Global) ||
+                     IsWord(i, Keyword::Static))) {
+      isPrivate |= IsWord(i, Keyword::Private);
+      isPublic |= IsWord(i, Keyword::Public) || IsWord(i, Keyword::Global);
       ++i;
     }
     if (m_block == Block::None && Header(i, e, isPrivate)) return;
-    if (IsWord(b, "End") &&
-        (IsWord(b + 1, "Sub") || IsWord(b + 1, "Function") || IsWord(b + 1, "Property"))) {
+    if (IsWord(b, Keyword::End) &&
+        (IsWord(b + 1, Keyword::Sub) || IsWord(b + 1, Keyword::Function) ||
+         IsWord(b + 1, Keyword::Property))) {
       const int proc = m_proc;
       Count(proc, true, false);
       if (proc >= 0) Close(m_line.firstLine + m_line.lineCount - 1);
@@ -221,7 +190,7 @@ class Counter {
       return;
     }
     ProcedureCount& proc = m_result.procedures[m_proc];
-    if (IsWord(b, "Dim") || IsWord(b, "Static")) {
+    if (IsWord(b, Keyword::Dim) || IsWord(b, Keyword::Static)) {
       Count(m_proc, true, false);
       for (int n : ItemNames(b + 1, e)) {
         ++proc.locals;
@@ -230,7 +199,7 @@ class Counter {
       }
       return;
     }
-    if (IsWord(b, "Const")) {
+    if (IsWord(b, Keyword::Const)) {
       Count(m_proc, true, false);
       for (int n : ItemNames(b + 1, e))
         m_result.constants << m_lexer.Text(m_line.tokens[n]).toString();
@@ -242,26 +211,26 @@ class Counter {
   bool Header(int i, int e, bool isPrivate) {
     ProcedureKind kind;
     bool declare = false;
-    if (IsWord(i, "Declare")) {
+    if (IsWord(i, Keyword::Declare)) {
       declare = true;
       ++i;
-      if (IsWord(i, "PtrSafe")) ++i;
-      if (!IsWord(i, "Sub") && !IsWord(i, "Function")) return false;
+      if (IsWord(i, Keyword::PtrSafe)) ++i;
+      if (!IsWord(i, Keyword::Sub) && !IsWord(i, Keyword::Function)) return false;
       kind = ProcedureKind::Declare;
       ++i;
-    } else if (IsWord(i, "Sub")) {
+    } else if (IsWord(i, Keyword::Sub)) {
       kind = ProcedureKind::Sub;
       ++i;
-    } else if (IsWord(i, "Function")) {
+    } else if (IsWord(i, Keyword::Function)) {
       kind = ProcedureKind::Function;
       ++i;
-    } else if (IsWord(i, "Property") && IsWord(i + 1, "Get")) {
+    } else if (IsWord(i, Keyword::Property) && IsWord(i + 1, Keyword::Get)) {
       kind = ProcedureKind::PropertyGet;
       i += 2;
-    } else if (IsWord(i, "Property") && IsWord(i + 1, "Let")) {
+    } else if (IsWord(i, Keyword::Property) && IsWord(i + 1, Keyword::Let)) {
       kind = ProcedureKind::PropertyLet;
       i += 2;
-    } else if (IsWord(i, "Property") && IsWord(i + 1, "Set")) {
+    } else if (IsWord(i, Keyword::Property) && IsWord(i + 1, Keyword::Set)) {
       kind = ProcedureKind::PropertySet;
       i += 2;
     } else {
@@ -308,7 +277,7 @@ class Counter {
   // Outside procedures every statement is declarative.
   void ModuleLevel(int b, int i, int e, bool isPublic) {
     if (m_block != Block::None) {
-      if (IsWord(b, "End") && (IsWord(b + 1, "Type") || IsWord(b + 1, "Enum")))
+      if (IsWord(b, Keyword::End) && (IsWord(b + 1, Keyword::Type) || IsWord(b + 1, Keyword::Enum)))
         m_block = Block::None;
       else if (IsAnyWord(b)) {
         m_result.enumConstants += m_block == Block::Enum;
@@ -316,34 +285,34 @@ class Counter {
       }
       return;
     }
-    if (IsWord(i, "Type") && IsAnyWord(i + 1)) {
+    if (IsWord(i, Keyword::Type) && IsAnyWord(i + 1)) {
       ++m_result.types;
       m_block = Block::Type;
       m_result.otherNames << WordAt(i + 1);
-    } else if (IsWord(i, "Enum") && IsAnyWord(i + 1)) {
+    } else if (IsWord(i, Keyword::Enum) && IsAnyWord(i + 1)) {
       ++m_result.enums;
       m_block = Block::Enum;
       m_result.otherNames << WordAt(i + 1);
-    } else if (IsWord(i, "Event")) {
+    } else if (IsWord(i, Keyword::Event)) {
       ++m_result.events;
-    } else if (IsWord(i, "Implements")) {
+    } else if (IsWord(i, Keyword::Implements)) {
       ++m_result.implements;
       if (IsAnyWord(i + 1)) m_result.handlerPrefixes << WordAt(i + 1);
-    } else if (IsWord(i, "Const")) {
+    } else if (IsWord(i, Keyword::Const)) {
       for (int n : ItemNames(i + 1, e))
         m_result.constants << m_lexer.Text(m_line.tokens[n]).toString();
-    } else if (IsWord(i, "Dim") || i > b) {
-      for (int n : ItemNames(IsWord(i, "Dim") ? i + 1 : i, e)) {
+    } else if (IsWord(i, Keyword::Dim) || i > b) {
+      for (int n : ItemNames(IsWord(i, Keyword::Dim) ? i + 1 : i, e)) {
         m_result.variables.push_back({WordAt(n), isPublic});
-        if (IsWord(n - 1, "WithEvents")) m_result.handlerPrefixes << WordAt(n);
+        if (IsWord(n - 1, Keyword::WithEvents)) m_result.handlerPrefixes << WordAt(n);
       }
     }
   }
 
   void Conditions(int b, int e, ProcedureCount& p) {
     for (int i = b; i < e; ++i)
-      if (IsWord(i, "And") || IsWord(i, "Or") || IsWord(i, "Xor") || IsWord(i, "AndAlso") ||
-          IsWord(i, "OrElse"))
+      if (IsWord(i, Keyword::And) || IsWord(i, Keyword::Or) || IsWord(i, Keyword::Xor) ||
+          IsWord(i, Keyword::AndAlso) || IsWord(i, Keyword::OrElse))
         ++p.booleanOperators;
   }
 
@@ -355,9 +324,9 @@ class Counter {
   void Executable(int b, int e, int nesting) {
     ProcedureCount& p = m_result.procedures[m_proc];
     const int proc = m_proc;
-    if (IsWord(b, "If")) {
+    if (IsWord(b, Keyword::If)) {
       int then = b + 1;
-      while (then < e && !IsWord(then, "Then")) ++then;
+      while (then < e && !IsWord(then, Keyword::Then)) ++then;
       ++p.decisions;
       Conditions(b + 1, then, p);
       Uses(b + 1, then, -1);
@@ -368,7 +337,7 @@ class Counter {
         ++m_condDepth;
         int start = then + 1;
         for (int i = start; i <= e; ++i) {
-          if (i == e || IsWord(i, "Else")) {
+          if (i == e || IsWord(i, Keyword::Else)) {
             if (i > start) Statement(start, i, nesting + 1);
             start = i + 1;
           }
@@ -384,22 +353,22 @@ class Counter {
       }
       return;
     }
-    if (IsWord(b, "ElseIf")) {
+    if (IsWord(b, Keyword::ElseIf)) {
       int then = b + 1;
-      while (then < e && !IsWord(then, "Then")) ++then;
+      while (then < e && !IsWord(then, Keyword::Then)) ++then;
       ++p.decisions;
       Conditions(b + 1, then, p);
       Uses(b + 1, then, -1);
       Count(proc, false, true);
       return;
     }
-    if (IsWord(b, "Else")) {
+    if (IsWord(b, Keyword::Else)) {
       Count(proc, false, true);
       if (b + 1 < e && nesting < kMaxSingleLineNesting) Statement(b + 1, e, nesting + 1);
       return;
     }
-    if (IsWord(b, "End")) {
-      if (IsWord(b + 1, "If") || IsWord(b + 1, "Select")) {
+    if (IsWord(b, Keyword::End)) {
+      if (IsWord(b + 1, Keyword::If) || IsWord(b + 1, Keyword::Select)) {
         m_condDepth = std::max(0, m_condDepth - 1);
         Count(proc, false, true);
       } else {
@@ -407,15 +376,15 @@ class Counter {
       }
       return;
     }
-    if (IsWord(b, "Select")) {
+    if (IsWord(b, Keyword::Select)) {
       ++p.selects;
       Deeper(m_condDepth, p.maxConditionDepth);
       Uses(b + 1, e, -1);
       Count(proc, false, true);
       return;
     }
-    if (IsWord(b, "Case")) {
-      if (!IsWord(b + 1, "Else")) {
+    if (IsWord(b, Keyword::Case)) {
+      if (!IsWord(b + 1, Keyword::Else)) {
         ++p.decisions;
         ++p.cases;
         Uses(b + 1, e, -1);
@@ -423,26 +392,28 @@ class Counter {
       Count(proc, false, true);
       return;
     }
-    if (IsWord(b, "For")) {
+    if (IsWord(b, Keyword::For)) {
       ++p.decisions;
       Deeper(m_loopDepth, p.maxLoopDepth);
-      Uses(b + 1, e, IsWord(b + 1, "Each") ? b + 2 : b + 1);
+      Uses(b + 1, e, IsWord(b + 1, Keyword::Each) ? b + 2 : b + 1);
       Count(proc, false, true);
       return;
     }
-    if (IsWord(b, "Next")) {
+    if (IsWord(b, Keyword::Next)) {
       int vars = 1;
       for (int i = b + 1; i < e; ++i) vars += IsPunct(i, u',');
       m_loopDepth = std::max(0, m_loopDepth - vars);
       Count(proc, false, true);
       return;
     }
-    if (IsWord(b, "Do") || IsWord(b, "Loop") || IsWord(b, "While") || IsWord(b, "Wend")) {
-      if (IsWord(b, "Do") || IsWord(b, "While"))
+    if (IsWord(b, Keyword::Do) || IsWord(b, Keyword::Loop) || IsWord(b, Keyword::While) ||
+        IsWord(b, Keyword::Wend)) {
+      if (IsWord(b, Keyword::Do) || IsWord(b, Keyword::While))
         Deeper(m_loopDepth, p.maxLoopDepth);
       else
         m_loopDepth = std::max(0, m_loopDepth - 1);
-      if (IsWord(b, "While") || IsWord(b + 1, "While") || IsWord(b + 1, "Until")) {
+      if (IsWord(b, Keyword::While) || IsWord(b + 1, Keyword::While) ||
+          IsWord(b + 1, Keyword::Until)) {
         ++p.decisions;
         Conditions(b + 1, e, p);
         Uses(b + 1, e, -1);
@@ -450,18 +421,19 @@ class Counter {
       Count(proc, false, true);
       return;
     }
-    if (IsWord(b, "GoTo") || IsWord(b, "GoSub") || IsWord(b, "Return") || IsWord(b, "Exit") ||
-        IsWord(b, "Resume") || IsWord(b, "Stop") || IsWord(b, "On")) {
+    if (IsWord(b, Keyword::GoTo) || IsWord(b, Keyword::GoSub) || IsWord(b, Keyword::Return) ||
+        IsWord(b, Keyword::Exit) || IsWord(b, Keyword::Resume) || IsWord(b, Keyword::Stop) ||
+        IsWord(b, Keyword::On)) {
       Uses(b + 1, e, -1);
       Count(proc, false, true);
       return;
     }
     // Any other statement: an assignment writes its target.
     int first = b;
-    if (IsWord(first, "Let") || IsWord(first, "Set")) ++first;
+    if (IsWord(first, Keyword::Let) || IsWord(first, Keyword::Set)) ++first;
     int target = -1;
-    if (IsWord(first, "ReDim")) {
-      target = IsWord(first + 1, "Preserve") ? first + 2 : first + 1;
+    if (IsWord(first, Keyword::ReDim)) {
+      target = IsWord(first + 1, Keyword::Preserve) ? first + 2 : first + 1;
     } else if (IsAnyWord(first)) {
       int k = first + 1;
       while (k < e) {

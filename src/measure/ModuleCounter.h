@@ -1,5 +1,7 @@
 #pragma once
 
+#include "measure/BasicWords.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -11,12 +13,6 @@
 // as hashes, resolved against the variables of every file afterwards).
 
 namespace ombrelle {
-
-// A name as a 64-bit hash of its letters folded to lower case, a type-suffix
-// character left out.
-using NameHash = std::uint64_t;
-NameHash HashName(const QChar* data, qsizetype size);
-NameHash HashName(const QString& name);
 
 struct LineCounts {
   int physical = 0;    // physical lines
