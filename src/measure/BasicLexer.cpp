@@ -153,16 +153,16 @@ bool BasicLexer::Next(LogicalLine& out) {
 bool BasicLexer::HiddenLine(LogicalLine& out) {
   (void)out;
   const PhysicalLine& pl = m_lines[m_line];
-  const QStringView line = QStringView(m_text).mid(pl.begin, pl.length);
   if (m_headerDepth < 0) {
     // Past the designer's header only Attribute lines are hidden: most lines
     // are told apart by their first character.
-    qsizetype i = 0;
-    while (i < line.size() && IsBlank(line[i].unicode())) ++i;
-    if (i == line.size()) return false;
-    const char16_t c = line[i].unicode();
+    const QChar* p = m_text.constData() + pl.begin;
+    const qsizetype i = SkipBlanks(p, 0, pl.length);
+    if (i == pl.length) return false;
+    const char16_t c = p[i].unicode();
     if (c < 0x80 && c != u'A' && c != u'a') return false;
   }
+  const QStringView line(m_text.constData() + pl.begin, pl.length);
   qsizetype after = 0;
   const QStringView word = FirstWord(line, &after);
   if (m_headerDepth > 0) {

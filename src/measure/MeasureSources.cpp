@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <set>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -141,10 +140,13 @@ void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variab
   for (size_t f = 0; f < files.size(); ++f) modules.emplace(HashName(files[f].count.moduleName), f);
 
   int procIndex = 0;
+  // The names each procedure declares, sorted to be searched; one buffer serves every procedure.
+  std::vector<NameHash> locals;
   for (size_t f = 0; f < files.size(); ++f) {
     for (ProcedureCount& p : files[f].count.procedures) {
       std::vector<int>& seen = accessed[static_cast<size_t>(procIndex)];
-      std::set<NameHash> locals(p.localNames.begin(), p.localNames.end());
+      locals.assign(p.localNames.begin(), p.localNames.end());
+      std::sort(locals.begin(), locals.end());
       for (const NameUse& use : p.uses) {
         int v = -1;
         if (use.qualifier != 0) {
@@ -160,7 +162,7 @@ void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variab
           if (!visible) continue;
           v = found->second;
         } else {
-          if (locals.count(use.name)) continue;
+          if (std::binary_search(locals.begin(), locals.end(), use.name)) continue;
           const auto found = own[f].find(use.name);
           if (found != own[f].end()) {
             v = found->second;

@@ -166,6 +166,8 @@ class Counter {
 
   // --- statements
   void Statement(int b, int e, int nesting) {
+    // The statement's first word, looked at again and again below.
+    const Keyword kb = m_line.tokens[static_cast<size_t>(b)].keyword;
     int i = b;
     bool isPrivate = false, isPublic = false;
     while (i < e && (IsWord(i, Keyword::Public) || IsWord(i, Keyword::Private) ||
@@ -176,9 +178,8 @@ class Counter {
       ++i;
     }
     if (m_block == Block::None && Header(i, e, isPrivate)) return;
-    if (IsWord(b, Keyword::End) &&
-        (IsWord(b + 1, Keyword::Sub) || IsWord(b + 1, Keyword::Function) ||
-         IsWord(b + 1, Keyword::Property))) {
+    if ((kb == Keyword::End) && (IsWord(b + 1, Keyword::Sub) || IsWord(b + 1, Keyword::Function) ||
+                                 IsWord(b + 1, Keyword::Property))) {
       const int proc = m_proc;
       Count(proc, true, false);
       if (proc >= 0) Close(m_line.firstLine + m_line.lineCount - 1);
@@ -190,7 +191,7 @@ class Counter {
       return;
     }
     ProcedureCount& proc = m_result.procedures[m_proc];
-    if (IsWord(b, Keyword::Dim) || IsWord(b, Keyword::Static)) {
+    if ((kb == Keyword::Dim) || (kb == Keyword::Static)) {
       Count(m_proc, true, false);
       for (int n : ItemNames(b + 1, e)) {
         ++proc.locals;
@@ -199,7 +200,7 @@ class Counter {
       }
       return;
     }
-    if (IsWord(b, Keyword::Const)) {
+    if ((kb == Keyword::Const)) {
       Count(m_proc, true, false);
       for (int n : ItemNames(b + 1, e))
         m_result.constants << m_lexer.Text(m_line.tokens[n]).toString();
@@ -322,9 +323,11 @@ class Counter {
   }
 
   void Executable(int b, int e, int nesting) {
+    // The statement's first word, looked at again and again below.
+    const Keyword kb = m_line.tokens[static_cast<size_t>(b)].keyword;
     ProcedureCount& p = m_result.procedures[m_proc];
     const int proc = m_proc;
-    if (IsWord(b, Keyword::If)) {
+    if ((kb == Keyword::If)) {
       int then = b + 1;
       while (then < e && !IsWord(then, Keyword::Then)) ++then;
       ++p.decisions;
@@ -353,7 +356,7 @@ class Counter {
       }
       return;
     }
-    if (IsWord(b, Keyword::ElseIf)) {
+    if ((kb == Keyword::ElseIf)) {
       int then = b + 1;
       while (then < e && !IsWord(then, Keyword::Then)) ++then;
       ++p.decisions;
@@ -362,12 +365,12 @@ class Counter {
       Count(proc, false, true);
       return;
     }
-    if (IsWord(b, Keyword::Else)) {
+    if ((kb == Keyword::Else)) {
       Count(proc, false, true);
       if (b + 1 < e && nesting < kMaxSingleLineNesting) Statement(b + 1, e, nesting + 1);
       return;
     }
-    if (IsWord(b, Keyword::End)) {
+    if ((kb == Keyword::End)) {
       if (IsWord(b + 1, Keyword::If) || IsWord(b + 1, Keyword::Select)) {
         m_condDepth = std::max(0, m_condDepth - 1);
         Count(proc, false, true);
@@ -376,14 +379,14 @@ class Counter {
       }
       return;
     }
-    if (IsWord(b, Keyword::Select)) {
+    if ((kb == Keyword::Select)) {
       ++p.selects;
       Deeper(m_condDepth, p.maxConditionDepth);
       Uses(b + 1, e, -1);
       Count(proc, false, true);
       return;
     }
-    if (IsWord(b, Keyword::Case)) {
+    if ((kb == Keyword::Case)) {
       if (!IsWord(b + 1, Keyword::Else)) {
         ++p.decisions;
         ++p.cases;
@@ -392,27 +395,27 @@ class Counter {
       Count(proc, false, true);
       return;
     }
-    if (IsWord(b, Keyword::For)) {
+    if ((kb == Keyword::For)) {
       ++p.decisions;
       Deeper(m_loopDepth, p.maxLoopDepth);
       Uses(b + 1, e, IsWord(b + 1, Keyword::Each) ? b + 2 : b + 1);
       Count(proc, false, true);
       return;
     }
-    if (IsWord(b, Keyword::Next)) {
+    if ((kb == Keyword::Next)) {
       int vars = 1;
       for (int i = b + 1; i < e; ++i) vars += IsPunct(i, u',');
       m_loopDepth = std::max(0, m_loopDepth - vars);
       Count(proc, false, true);
       return;
     }
-    if (IsWord(b, Keyword::Do) || IsWord(b, Keyword::Loop) || IsWord(b, Keyword::While) ||
-        IsWord(b, Keyword::Wend)) {
-      if (IsWord(b, Keyword::Do) || IsWord(b, Keyword::While))
+    if ((kb == Keyword::Do) || (kb == Keyword::Loop) || (kb == Keyword::While) ||
+        (kb == Keyword::Wend)) {
+      if ((kb == Keyword::Do) || (kb == Keyword::While))
         Deeper(m_loopDepth, p.maxLoopDepth);
       else
         m_loopDepth = std::max(0, m_loopDepth - 1);
-      if (IsWord(b, Keyword::While) || IsWord(b + 1, Keyword::While) ||
+      if ((kb == Keyword::While) || IsWord(b + 1, Keyword::While) ||
           IsWord(b + 1, Keyword::Until)) {
         ++p.decisions;
         Conditions(b + 1, e, p);
@@ -421,9 +424,9 @@ class Counter {
       Count(proc, false, true);
       return;
     }
-    if (IsWord(b, Keyword::GoTo) || IsWord(b, Keyword::GoSub) || IsWord(b, Keyword::Return) ||
-        IsWord(b, Keyword::Exit) || IsWord(b, Keyword::Resume) || IsWord(b, Keyword::Stop) ||
-        IsWord(b, Keyword::On)) {
+    if ((kb == Keyword::GoTo) || (kb == Keyword::GoSub) || (kb == Keyword::Return) ||
+        (kb == Keyword::Exit) || (kb == Keyword::Resume) || (kb == Keyword::Stop) ||
+        (kb == Keyword::On)) {
       Uses(b + 1, e, -1);
       Count(proc, false, true);
       return;
