@@ -147,7 +147,8 @@ void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variab
       std::vector<int>& seen = accessed[static_cast<size_t>(procIndex)];
       locals.assign(p.localNames.begin(), p.localNames.end());
       std::sort(locals.begin(), locals.end());
-      for (const NameUse& use : p.uses) {
+      for (size_t u = p.firstUse; u < p.endUse; ++u) {
+        const NameUse& use = files[f].count.uses[u];
         int v = -1;
         if (use.qualifier != 0) {
           const auto m = modules.find(use.qualifier);
@@ -183,9 +184,9 @@ void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variab
           seen.push_back(v);
         }
       }
-      std::vector<NameUse>().swap(p.uses);
       ++procIndex;
     }
+    std::vector<NameUse>().swap(files[f].count.uses);
   }
 }
 

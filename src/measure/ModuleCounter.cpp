@@ -82,8 +82,10 @@ class Counter {
   }
   // The first word of each comma-separated item of [b, e), leaving out the
   // words that only qualify a declared name.
-  std::vector<int> ItemNames(int b, int e) const {
-    std::vector<int> names;
+  // The result lives in a buffer the counter keeps, valid until the next call.
+  const std::vector<int>& ItemNames(int b, int e) {
+    std::vector<int>& names = m_items;
+    names.clear();
     int depth = 0;
     bool want = true;
     for (int i = b; i < e; ++i) {
@@ -243,6 +245,7 @@ class Counter {
       Close(m_line.firstLine - 1);
     }
     ProcedureCount p;
+    p.firstUse = p.endUse = m_result.uses.size();
     p.name = m_lexer.Text(m_line.tokens[i]).toString();
     p.kind = kind;
     p.isPrivate = isPrivate;
@@ -458,7 +461,7 @@ class Counter {
   // word before the dot as their qualifier.
   void Uses(int b, int e, int target) {
     if (target >= e || !IsAnyWord(target)) target = -1;
-    std::vector<NameUse>& uses = m_result.procedures[m_proc].uses;
+    std::vector<NameUse>& uses = m_result.uses;
     for (int i = b; i < e; ++i) {
       if (!IsAnyWord(i)) continue;
       const bool write =
@@ -469,6 +472,7 @@ class Counter {
       }
       uses.push_back({Hash(i), 0, write});
     }
+    m_result.procedures[static_cast<size_t>(m_proc)].endUse = uses.size();
   }
 
   const QString& m_text;
@@ -483,6 +487,7 @@ class Counter {
   Block m_block = Block::None;
   std::vector<bool> m_directives;  // per open #If: still in its first branch
   int m_inactive = 0;              // open #If blocks past their first branch
+  std::vector<int> m_items;        // ItemNames' result
 };
 
 }  // namespace

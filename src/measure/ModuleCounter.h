@@ -52,7 +52,10 @@ struct ProcedureCount {
   int maxLoopDepth = 0;
   std::vector<NameHash> localNames;  // parameters first, then local variables
   std::vector<int> localLengths;     // their lengths in characters
-  std::vector<NameUse> uses;
+  // The procedure's names in executable statements: [firstUse, endUse) of
+  // the module's uses (one vector for the whole module, not one per procedure).
+  size_t firstUse = 0;
+  size_t endUse = 0;
 };
 
 struct ModuleVariable {
@@ -81,6 +84,7 @@ struct ModuleCount {
   // WithEvents variables and implemented interfaces.
   QStringList handlerPrefixes;
   QStringList problems;
+  std::vector<NameUse> uses;  // of every procedure, in order
 };
 
 // Counts one file's text. `baseName` names the module when the file does not.
