@@ -274,6 +274,9 @@ std::vector<double> NameMetrics(const std::vector<FileResult>& files) {
 MeasuredProject MeasureSources(const QString& projectName, const std::vector<SourceFile>& files) {
   MeasuredProject out;
   std::vector<FileResult> results;
+  // One text and one list of lines serve every file in turn.
+  QString text;
+  std::vector<PhysicalLine> lines;
   for (const SourceFile& file : files) {
     if (LooksBinary(file.bytes)) {
       out.warnings << QStringLiteral("%1: binary content, not measured").arg(file.name);
@@ -286,7 +289,9 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
     r.extension = dot < 0 ? QString() : leaf.mid(dot + 1).toLower();
     r.bytes = static_cast<double>(file.bytes.size());
     r.date = file.date;
-    r.count = CountModule(DecodeSource(file.bytes), dot < 0 ? leaf : leaf.left(dot));
+    DecodeSource(file.bytes, text);
+    SplitPhysicalLines(text, lines);
+    r.count = CountModule(text, lines, dot < 0 ? leaf : leaf.left(dot));
     if (!r.count.problems.isEmpty())
       out.warnings << QStringLiteral("%1: %2").arg(file.name,
                                                    r.count.problems.join(QStringLiteral("; ")));

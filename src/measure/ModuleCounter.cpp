@@ -33,9 +33,6 @@ class Counter {
 
   ModuleCount Run(const QString& baseName) {
     m_result.lines.physical = m_physical;
-    // Room for the names used, about one per eight characters, so that the
-    // vector seldom grows (and never reserves much for a huge file).
-    m_result.uses.reserve(std::min<size_t>(static_cast<size_t>(m_text.size()) / 8, 1 << 16));
     while (m_lexer.Next(m_line)) Line();
     if (m_proc >= 0) {
       m_result.problems << QStringLiteral("%1 has no end").arg(m_result.procedures[m_proc].name);
@@ -496,7 +493,11 @@ class Counter {
 }  // namespace
 
 ModuleCount CountModule(const QString& text, const QString& baseName) {
-  const std::vector<PhysicalLine> lines = SplitPhysicalLines(text);
+  return CountModule(text, SplitPhysicalLines(text), baseName);
+}
+
+ModuleCount CountModule(const QString& text, const std::vector<PhysicalLine>& lines,
+                        const QString& baseName) {
   Counter counter(text, lines);
   return counter.Run(baseName);
 }

@@ -77,6 +77,23 @@ QString DecodeSource(const QByteArray& bytes) {
   return MultiByteToText(bytes, kCodepageAnsi);
 }
 
+void DecodeSource(const QByteArray& bytes, QString& text) {
+  const auto* data = reinterpret_cast<const unsigned char*>(bytes.constData());
+  if (bytes.startsWith("\xEF\xBB\xBF") || !IsAscii(data, bytes.size())) {
+    text = DecodeSource(bytes);
+    return;
+  }
+  // ASCII: each byte is its character. resize() keeps the string's memory
+  // when it is large enough and not shared.
+  if (bytes.isEmpty()) {
+    text.clear();
+    return;
+  }
+  text.resize(bytes.size());
+  auto* out = reinterpret_cast<char16_t*>(text.data());
+  for (qsizetype i = 0; i < bytes.size(); ++i) out[i] = data[i];
+}
+
 bool LooksBinary(const QByteArray& bytes) {
   const qsizetype n = std::min<qsizetype>(bytes.size(), 65536);
   return std::memchr(bytes.constData(), 0, static_cast<size_t>(n)) != nullptr;
@@ -84,6 +101,12 @@ bool LooksBinary(const QByteArray& bytes) {
 
 std::vector<PhysicalLine> SplitPhysicalLines(const QString& text) {
   std::vector<PhysicalLine> lines;
+  SplitPhysicalLines(text, lines);
+  return lines;
+}
+
+void SplitPhysicalLines(const QString& text, std::vector<PhysicalLine>& lines) {
+  lines.clear();
   const char16_t* p = reinterpret_cast<const char16_t*>(text.constData());
   const qsizetype size = text.size();
   lines.reserve(static_cast<size_t>(size / 32 + 1));  // about one line per 32 characters
@@ -112,7 +135,6 @@ std::vector<PhysicalLine> SplitPhysicalLines(const QString& text) {
     start = ++i;
   }
   if (start < size) lines.push_back({start, size - start});
-  return lines;
 }
 
 }  // namespace ombrelle

@@ -19,6 +19,10 @@ struct PhysicalLine {
 // UTF-8 when the bytes start with its byte-order mark or are valid UTF-8
 // throughout, else Windows-1252 (which has a character for every byte).
 QString DecodeSource(const QByteArray& bytes);
+// The same into `text`, whose memory is used again when the bytes are ASCII
+// (the common case): decoding file after file into one string then takes no
+// fresh memory for each file.
+void DecodeSource(const QByteArray& bytes, QString& text);
 
 // True when `bytes` holds a NUL byte in its first 64 kilobytes: no text file of
 // the language does.
@@ -27,5 +31,7 @@ bool LooksBinary(const QByteArray& bytes);
 // Lines end at CR LF, LF or a lone CR. A last line without an end counts; an
 // empty text has no line.
 std::vector<PhysicalLine> SplitPhysicalLines(const QString& text);
+// The same into `lines`, whose memory is used again.
+void SplitPhysicalLines(const QString& text, std::vector<PhysicalLine>& lines);
 
 }  // namespace ombrelle
