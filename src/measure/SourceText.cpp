@@ -91,7 +91,18 @@ void DecodeSource(const QByteArray& bytes, QString& text) {
   }
   text.resize(bytes.size());
   auto* out = reinterpret_cast<char16_t*>(text.data());
-  for (qsizetype i = 0; i < bytes.size(); ++i) out[i] = data[i];
+  const qsizetype size = bytes.size();
+  qsizetype i = 0;
+#ifdef __SSE2__
+  // Sixteen bytes at a time, each widened to a character by a zero high byte.
+  const __m128i zero = _mm_setzero_si128();
+  for (; i + 16 <= size; i += 16) {
+    const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + i));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), _mm_unpacklo_epi8(chunk, zero));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i + 8), _mm_unpackhi_epi8(chunk, zero));
+  }
+#endif
+  for (; i < size; ++i) out[i] = data[i];
 }
 
 bool LooksBinary(const QByteArray& bytes) {
