@@ -54,19 +54,15 @@ class Counter {
 
   // --- tokens of the current line
   // The lexer numbered the keywords: a keyword is told by its number.
-  bool IsWord(int i, Keyword k) const {
-    return i >= 0 && i < static_cast<int>(m_line.tokens.size()) &&
-           m_line.tokens[static_cast<size_t>(i)].keyword == k;
-  }
+  bool IsWord(int i, Keyword k) const { return Valid(i) && m_tokens[i].keyword == k; }
   bool IsPunct(int i, char16_t c) const {
-    if (i < 0 || i >= static_cast<int>(m_line.tokens.size())) return false;
-    const Token& t = m_line.tokens[i];
-    return t.kind == TokenKind::Punct && t.length == 1 && m_lexer.Text(t)[0] == c;
+    if (!Valid(i)) return false;
+    const Token& t = m_tokens[i];
+    return t.kind == TokenKind::Punct && t.length == 1 && m_text.constData()[t.begin] == c;
   }
-  bool IsAnyWord(int i) const {
-    return i >= 0 && i < static_cast<int>(m_line.tokens.size()) &&
-           m_line.tokens[i].kind == TokenKind::Word;
-  }
+  bool IsAnyWord(int i) const { return Valid(i) && m_tokens[i].kind == TokenKind::Word; }
+  // `i` is a token of the line (the comparison as unsigned also refuses -1).
+  bool Valid(int i) const { return static_cast<unsigned>(i) < m_tokenCount; }
   QString WordAt(int i) const {
     return m_lexer.Text(m_line.tokens[static_cast<size_t>(i)]).toString();
   }
@@ -108,6 +104,8 @@ class Counter {
   // --- lines
   void Line() {
     if (m_line.kind == LineKind::Hidden) return;
+    m_tokens = m_line.tokens.data();
+    m_tokenCount = static_cast<unsigned>(m_line.tokens.size());
     const int ownerBefore = m_proc;
     m_openedOnLine = -1;
     if (m_line.directive) {
@@ -479,6 +477,9 @@ class Counter {
   BasicLexer m_lexer;
   int m_physical = 0;
   LogicalLine m_line;
+  // The line's tokens, kept at hand: they are looked at again and again.
+  const Token* m_tokens = nullptr;
+  unsigned m_tokenCount = 0;
   ModuleCount m_result;
   int m_proc = -1;
   int m_openedOnLine = -1;
