@@ -141,7 +141,7 @@ bool BasicLexer::Next(LogicalLine& out) {
   }
   out.firstLine = static_cast<int>(m_line);
   out.lineCount = 1;
-  if (HiddenLine(out)) {
+  if (MayBeHidden() && HiddenLine(out)) {
     out.kind = LineKind::Hidden;
     ++m_line;
     return true;
@@ -150,18 +150,21 @@ bool BasicLexer::Next(LogicalLine& out) {
   return true;
 }
 
+inline bool BasicLexer::MayBeHidden() const {
+  if (m_headerDepth >= 0) return true;
+  // Past the designer's header only Attribute lines are hidden: most lines
+  // are told apart by their first character, here, without a call.
+  const PhysicalLine& pl = m_lines[m_line];
+  const QChar* p = m_text.constData() + pl.begin;
+  const qsizetype i = SkipBlanks(p, 0, pl.length);
+  if (i == pl.length) return false;
+  const char16_t c = p[i].unicode();
+  return c >= 0x80 || c == u'A' || c == u'a';
+}
+
 bool BasicLexer::HiddenLine(LogicalLine& out) {
   (void)out;
   const PhysicalLine& pl = m_lines[m_line];
-  if (m_headerDepth < 0) {
-    // Past the designer's header only Attribute lines are hidden: most lines
-    // are told apart by their first character.
-    const QChar* p = m_text.constData() + pl.begin;
-    const qsizetype i = SkipBlanks(p, 0, pl.length);
-    if (i == pl.length) return false;
-    const char16_t c = p[i].unicode();
-    if (c < 0x80 && c != u'A' && c != u'a') return false;
-  }
   const QStringView line(m_text.constData() + pl.begin, pl.length);
   qsizetype after = 0;
   const QStringView word = FirstWord(line, &after);

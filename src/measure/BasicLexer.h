@@ -65,6 +65,7 @@ class BasicLexer {
   const QStringList& Problems() const { return m_problems; }
 
  private:
+  bool MayBeHidden() const;
   bool HiddenLine(LogicalLine& out);
   void ScanCode(LogicalLine& out);
   void EndStatement(LogicalLine& out, int& statementBegin);
