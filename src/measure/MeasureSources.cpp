@@ -59,6 +59,7 @@ bool IsClassFile(const QString& extension) {
 // that many equal names take linear time.
 class UniqueNames {
  public:
+  explicit UniqueNames(size_t expected = 0) { m_used.reserve(expected); }
   QString Make(const QString& name) {
     const QString lower = name.toLower();
     if (m_used.insert(lower).second) return name;
@@ -95,7 +96,8 @@ MeasuredClass MakeClass(MetricClass classNr, const std::vector<MetricId>& ids, i
   MeasuredClass c;
   c.classNr = classNr;
   c.metrics = ids;
-  c.values.assign(ids.size(), std::vector<double>(static_cast<size_t>(rows), kNaN));
+  c.values.resize(ids.size());
+  for (std::vector<double>& v : c.values) v.assign(static_cast<size_t>(rows), kNaN);
   return c;
 }
 
@@ -423,7 +425,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
   // Procedures.
   if (procedureCount > 0) {
     MeasuredClass pc = MakeClass(ClassProcedure, kProcedureMetrics, procedureCount);
-    UniqueNames names;
+    UniqueNames names(static_cast<size_t>(procedureCount));
     int row = 0;
     for (const FileResult& r : results) {
       for (const ProcedureCount& p : r.count.procedures) {
@@ -460,7 +462,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
   if (!variables.empty()) {
     MeasuredClass vc =
         MakeClass(ClassVariable, kVariableMetrics, static_cast<int>(variables.size()));
-    UniqueNames names;
+    UniqueNames names(variables.size());
     for (size_t v = 0; v < variables.size(); ++v) {
       const VariableResult& var = variables[v];
       const FileResult& f = results[static_cast<size_t>(var.file)];
