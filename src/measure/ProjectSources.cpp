@@ -206,7 +206,8 @@ bool ProjectSources::IsSourceName(const QString& fileName) {
 }
 
 QString ProjectSources::RefusalOf(const QByteArray& bytes) {
-  if (bytes.left(8192).contains('\0')) return QStringLiteral("not a text file");
+  if (QByteArrayView(bytes).first(std::min<qsizetype>(bytes.size(), 8192)).contains('\0'))
+    return QStringLiteral("not a text file");
   return QString();
 }
 
