@@ -122,29 +122,37 @@ void SplitPhysicalLines(const QString& text, std::vector<PhysicalLine>& lines) {
   const qsizetype size = text.size();
   lines.reserve(static_cast<size_t>(size / 32 + 1));  // about one line per 32 characters
   qsizetype start = 0;
-  qsizetype i = 0;
-  for (;;) {
-#ifdef __SSE2__
-    // Eight characters at a time up to the next one that may end a line.
-    const __m128i cr = _mm_set1_epi16('\r');
-    const __m128i lf = _mm_set1_epi16('\n');
-    while (i + 8 <= size) {
-      const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
-      const int mask =
-          _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(chunk, cr), _mm_cmpeq_epi16(chunk, lf)));
-      if (mask != 0) {
-        i += std::countr_zero(static_cast<unsigned>(mask)) / 2;
-        break;
-      }
-      i += 8;
+  qsizetype crAt = -2;  // the last CR that ended a line
+  // Each CR or LF at `at` ends a line, but the LF of a CR LF only moves the
+  // next line's start past it.
+  auto lineEnd = [&](qsizetype at) __attribute__((always_inline)) {
+    if (p[at] == u'\n' && at == crAt + 1) {
+      start = at + 1;
+      return;
     }
-#endif
-    while (i < size && p[i] != u'\n' && p[i] != u'\r') ++i;
-    if (i >= size) break;
-    lines.push_back({start, i - start});
-    if (p[i] == u'\r' && i + 1 < size && p[i + 1] == u'\n') ++i;
-    start = ++i;
+    lines.push_back({start, at - start});
+    start = at + 1;
+    if (p[at] == u'\r') crAt = at;
+  };
+  qsizetype i = 0;
+#ifdef __SSE2__
+  // Eight characters at a time: a mask with two bits for each CR or LF, whose
+  // set bits are taken lowest first.
+  const __m128i cr = _mm_set1_epi16('\r');
+  const __m128i lf = _mm_set1_epi16('\n');
+  for (; i + 8 <= size; i += 8) {
+    const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+    auto mask = static_cast<unsigned>(
+        _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(chunk, cr), _mm_cmpeq_epi16(chunk, lf))));
+    while (mask != 0) {
+      const int bit = std::countr_zero(mask);
+      lineEnd(i + bit / 2);
+      mask &= ~(3u << bit);
+    }
   }
+#endif
+  for (; i < size; ++i)
+    if (p[i] == u'\n' || p[i] == u'\r') lineEnd(i);
   if (start < size) lines.push_back({start, size - start});
 }
 
