@@ -67,3 +67,15 @@ TEST(SourceTextScan, AHighByteAnywhereIsNotAscii) {
     EXPECT_EQ(text[at], QChar(0x20AC)) << at;
   }
 }
+
+TEST(SourceTextScan, DecodingFileAfterFileIntoOneStringGivesEachItsOwnText) {
+  // Longer and shorter, ASCII and not, one string serving them all in turn.
+  const QByteArray files[] = {
+      QByteArray(100, 'a') + "\r\nb", "x = 1", "\x80 \xE9", QByteArray(33, 'z'), "",
+      "\xEF\xBB\xBFy\xC3\xA9",        "ab"};
+  QString text;
+  for (const QByteArray& bytes : files) {
+    DecodeSource(bytes, text);
+    EXPECT_EQ(text, DecodeSource(bytes)) << bytes.toStdString();
+  }
+}
