@@ -78,31 +78,37 @@ QString DecodeSource(const QByteArray& bytes) {
 }
 
 void DecodeSource(const QByteArray& bytes, QString& text) {
-  const auto* data = reinterpret_cast<const unsigned char*>(bytes.constData());
-  if (bytes.startsWith("\xEF\xBB\xBF") || !IsAscii(data, bytes.size())) {
-    text = DecodeSource(bytes);
-    return;
-  }
-  // ASCII: each byte is its character. resize() keeps the string's memory
-  // when it is large enough and not shared.
   if (bytes.isEmpty()) {
     text.clear();
     return;
   }
-  text.resize(bytes.size());
-  auto* out = reinterpret_cast<char16_t*>(text.data());
+  // Taken as ASCII, each byte being its character, while the bytes are
+  // looked at for a high bit in the same pass; a high bit anywhere (a
+  // byte-order mark has them too) and the text is decoded the slower way.
+  // resize() keeps the string's memory when it is large enough and not shared.
+  const auto* data = reinterpret_cast<const unsigned char*>(bytes.constData());
   const qsizetype size = bytes.size();
+  text.resize(size);
+  auto* out = reinterpret_cast<char16_t*>(text.data());
+  unsigned high = 0;
   qsizetype i = 0;
 #ifdef __SSE2__
   // Sixteen bytes at a time, each widened to a character by a zero high byte.
   const __m128i zero = _mm_setzero_si128();
+  __m128i highBits = zero;
   for (; i + 16 <= size; i += 16) {
     const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + i));
+    highBits = _mm_or_si128(highBits, chunk);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), _mm_unpacklo_epi8(chunk, zero));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i + 8), _mm_unpackhi_epi8(chunk, zero));
   }
+  high = static_cast<unsigned>(_mm_movemask_epi8(highBits));
 #endif
-  for (; i < size; ++i) out[i] = data[i];
+  for (; i < size; ++i) {
+    high |= data[i] & 0x80u;
+    out[i] = data[i];
+  }
+  if (high != 0) text = DecodeSource(bytes);
 }
 
 bool LooksBinary(const QByteArray& bytes) {
