@@ -85,8 +85,13 @@ void ReadSource(const QString& path, const QString& name, ProjectSources& source
     if (!file.open(QIODevice::ReadOnly)) {
       refusal = QStringLiteral("cannot be read (") + file.errorString() + QStringLiteral(")");
     } else {
-      // Read no more than the limit even if the file grew since it was looked at.
-      bytes = file.read(std::min(info.size(), ProjectSources::kMaxFileBytes) + 1);
+      // Read no more than the limit even if the file grew since it was looked
+      // at: one byte more than its size tells that it grew. Read straight into
+      // a buffer of that size, which then only shrinks: no copy on the way.
+      const qint64 wanted = std::min(info.size(), ProjectSources::kMaxFileBytes) + 1;
+      bytes = QByteArray(wanted, Qt::Uninitialized);
+      const qint64 got = file.read(bytes.data(), wanted);
+      bytes.resize(std::max<qint64>(got, 0));
       refusal = bytes.size() > ProjectSources::kMaxFileBytes
                     ? ProjectSources::RefusalOfSize(bytes.size())
                     : ProjectSources::RefusalOf(bytes);
