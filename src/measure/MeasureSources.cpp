@@ -222,22 +222,17 @@ void AddDates(const std::vector<FileResult>& files, MeasuredProject& out) {
   }
 }
 
-// Lengths and distinct names of one set of names; names differing only in
-// letter case are the same name.
+// Lengths of one set of names.
 struct NameLengths {
   double characters = 0;
   double count = 0;
-  std::unordered_set<NameHash> distinct;
-  void Add(NameHash hash, int length) {
+  void Add(int length) {
     characters += length;
     ++count;
-    distinct.insert(hash);
   }
-  void Add(const QString& name) { Add(HashName(name), static_cast<int>(name.size())); }
   void Add(const NameLengths& other) {
     characters += other.characters;
     count += other.count;
-    distinct.insert(other.distinct.begin(), other.distinct.end());
   }
   double Average() const { return count > 0 ? characters / count : kNaN; }
 };
@@ -245,30 +240,46 @@ struct NameLengths {
 // The name metrics of the project: all names (1240), variables and parameters
 // (1241), constants (1242), procedures (1243) and the share of distinct names
 // (1244). Event handlers and implementing procedures keep neither their names
-// in 1243 nor their parameters in 1241; each property name counts once.
+// in 1243 nor their parameters in 1241; each property name counts once. Names
+// differing only in letter case are the same name: the hashes of all names
+// are gathered, and sorted once at the end to count the distinct ones.
 std::vector<double> NameMetrics(const std::vector<FileResult>& files) {
   NameLengths variables, constants, procedures, all;
+  std::vector<NameHash> hashes;
+  auto add = [&hashes](NameLengths& to, NameHash hash, int length) {
+    to.Add(length);
+    hashes.push_back(hash);
+  };
+  auto addName = [&add](NameLengths& to, const QString& name) {
+    add(to, HashName(name), static_cast<int>(name.size()));
+  };
+  std::unordered_set<NameHash> seen;  // the file's procedure names counted so far
   for (const FileResult& f : files) {
     const ModuleCount& m = f.count;
-    for (const ModuleVariable& v : m.variables) variables.Add(v.name);
-    for (const QString& c : m.constants) constants.Add(c);
-    std::unordered_set<NameHash> seen;
+    for (const ModuleVariable& v : m.variables) addName(variables, v.name);
+    for (const QString& c : m.constants) addName(constants, c);
+    seen.clear();
     for (const ProcedureCount& p : m.procedures) {
       const bool handler = IsHandlerName(p.name, m.handlerPrefixes);
       for (size_t k = 0; k < p.localNames.size(); ++k)
         if (!handler || k >= static_cast<size_t>(p.parameters))
-          variables.Add(p.localNames[k], p.localLengths[k]);
+          add(variables, p.localNames[k], p.localLengths[k]);
+      if (handler) continue;
+      // A property's Get, Let and Set share one name, counted once.
       const NameHash h = HashName(p.name);
-      if (!handler && seen.insert(h).second) procedures.Add(h, static_cast<int>(p.name.size()));
+      if (seen.insert(h).second) add(procedures, h, static_cast<int>(p.name.size()));
     }
-    for (const QString& n : m.otherNames) all.Add(n);
-    if (IsClassFile(f.extension) || f.extension == QLatin1String("bas")) all.Add(m.moduleName);
+    for (const QString& n : m.otherNames) addName(all, n);
+    if (IsClassFile(f.extension) || f.extension == QLatin1String("bas")) addName(all, m.moduleName);
   }
   all.Add(variables);
   all.Add(constants);
   all.Add(procedures);
+  std::sort(hashes.begin(), hashes.end());
+  const auto distinct =
+      static_cast<double>(std::unique(hashes.begin(), hashes.end()) - hashes.begin());
   return {all.Average(), variables.Average(), constants.Average(), procedures.Average(),
-          all.count > 0 ? static_cast<double>(all.distinct.size()) / all.count : kNaN};
+          all.count > 0 ? distinct / all.count : kNaN};
 }
 
 }  // namespace
