@@ -10,11 +10,10 @@ namespace {
 
 // Classes of the ASCII characters, looked up rather than compared one by one:
 // the lexer asks for them at every character.
-enum : unsigned char { kBlankClass = 1, kStartClass = 2, kWordClass = 4 };
+enum : unsigned char { kStartClass = 2, kWordClass = 4 };
 
 constexpr std::array<unsigned char, 128> MakeAsciiClasses() {
   std::array<unsigned char, 128> t{};
-  for (int c = 0; c <= ' '; ++c) t[c] = kBlankClass;
   for (int c = 'a'; c <= 'z'; ++c) t[c] = kStartClass | kWordClass;
   for (int c = 'A'; c <= 'Z'; ++c) t[c] = kStartClass | kWordClass;
   for (int c = '0'; c <= '9'; ++c) t[c] = kWordClass;
@@ -31,10 +30,9 @@ constexpr std::array<char16_t, 128> MakeLowerCase() {
 }
 constexpr std::array<char16_t, 128> kLowerCase = MakeLowerCase();
 
-inline bool IsBlank(char16_t c) {
-  if (c < 0x80) return kAscii[c] & kBlankClass;
-  return c == 0x00A0 || c == 0xFEFF;
-}
+// Control characters and the space; beyond ASCII the no-break space and the
+// byte-order mark. Most characters are told by the first comparison.
+inline bool IsBlank(char16_t c) { return c <= u' ' || (c >= 0x80 && (c == 0x00A0 || c == 0xFEFF)); }
 
 inline bool IsWordStart(QChar c) {
   const char16_t u = c.unicode();
@@ -125,6 +123,7 @@ bool BasicLexer::Is(const Token& t, QStringView word) const {
 }
 
 bool BasicLexer::Next(LogicalLine& out) {
+  m_codeStart = -1;
   out.tokens.clear();
   out.statements.clear();
   out.directive = out.hasComment = out.meaningfulComment = false;
@@ -150,13 +149,14 @@ bool BasicLexer::Next(LogicalLine& out) {
   return true;
 }
 
-inline bool BasicLexer::MayBeHidden() const {
+inline bool BasicLexer::MayBeHidden() {
   if (m_headerDepth >= 0) return true;
   // Past the designer's header only Attribute lines are hidden: most lines
   // are told apart by their first character, here, without a call.
   const PhysicalLine& pl = m_lines[m_line];
   const QChar* p = m_text.constData() + pl.begin;
   const qsizetype i = SkipBlanks(p, 0, pl.length);
+  m_codeStart = pl.begin + i;  // ScanCode starts there
   if (i == pl.length) return false;
   const char16_t c = p[i].unicode();
   return c >= 0x80 || c == u'A' || c == u'a';
@@ -256,6 +256,8 @@ __attribute__((flatten)) void BasicLexer::ScanCode(LogicalLine& out) {
   };
 
   enterLine(m_line);
+  // The leading blanks MayBeHidden() already skipped.
+  if (m_codeStart > pos) pos = m_codeStart;
   int statementBegin = 0;
   bool hasCode = false;
   bool first = true;  // nothing seen yet on the logical line

@@ -65,7 +65,7 @@ class BasicLexer {
   const QStringList& Problems() const { return m_problems; }
 
  private:
-  bool MayBeHidden() const;
+  bool MayBeHidden();
   bool HiddenLine(LogicalLine& out);
   void ScanCode(LogicalLine& out);
   void EndStatement(LogicalLine& out, int& statementBegin);
@@ -79,6 +79,7 @@ class BasicLexer {
   QStringList m_controls;
   QStringList m_problems;
   int m_unterminatedStrings = 0;
+  qsizetype m_codeStart = -1;  // the line's first non-blank, once MayBeHidden() found it
 };
 
 }  // namespace ombrelle
