@@ -278,7 +278,7 @@ __attribute__((flatten)) void BasicLexer::ScanCode(LogicalLine& out) {
     const bool wasFirst = first;
     first = false;
     // A directive: "#" and a word first on the line's first physical line.
-    if (wasFirst && line == m_line && c == u'#' && pos + 1 < end && IsWordStart(p[pos + 1]))
+    if (c == u'#' && wasFirst && line == m_line && pos + 1 < end && IsWordStart(p[pos + 1]))
       out.directive = true;
     hasCode = true;
     const qsizetype start = pos;
@@ -296,7 +296,7 @@ __attribute__((flatten)) void BasicLexer::ScanCode(LogicalLine& out) {
           if (w >= 0x80 || !(kAscii[w] & kWordClass)) break;
           h = HashStep(h, kLowerCase[w]);
         }
-        if (pos < end && IsWordChar(p[pos])) {
+        if (pos < end && p[pos].unicode() >= 0x80 && IsWordChar(p[pos])) {
           // Letters beyond ASCII: the rest is read, and the whole hashed, by the slower way.
           pos = SkipWordChars(p, pos, end);
           hash = HashName(p + start, pos - start);
