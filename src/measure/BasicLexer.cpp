@@ -262,12 +262,9 @@ __attribute__((flatten)) void BasicLexer::ScanCode(LogicalLine& out) {
   bool hasCode = false;
   bool first = true;  // nothing seen yet on the logical line
   while (true) {
+    pos = SkipBlanks(p, pos, end);
     if (pos >= end) break;
     const char16_t c = p[pos].unicode();
-    if (IsBlank(c)) {
-      pos = SkipBlanks(p, pos + 1, end);
-      continue;
-    }
     // Words first: most tokens are words, and a letter is none of the
     // characters checked below.
     const bool letter = IsWordStart(p[pos]);
