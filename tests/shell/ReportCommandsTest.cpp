@@ -1,5 +1,6 @@
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include "common/OutsideReaders.h"
@@ -113,6 +114,9 @@ TEST_F(ReportCommandsTest, StatisticsChartsAndCorrelationOfThePage) {
     commands.CorrelationReport();
     ASSERT_EQ(scripted.ui.opened.size(), 3u) << scripted.ui.MessageTexts().join("|").toStdString();
     EXPECT_TRUE(scripted.ui.messages.empty());
+    const char* names[] = {"Stats", "Charts", "Correlations"};
+    for (int i = 0; i < 3; ++i)
+      EXPECT_TRUE(QFileInfo(scripted.ui.opened[i]).fileName().startsWith(names[i])) << i;
     const QString stats = ReadText(scripted.ui.opened[0]);
     EXPECT_TRUE(stats.contains("<P>" + EscapedHTML(model->PageTitle()) + "</P>"));
     EXPECT_EQ(stats.contains("<TD CLASS=\"data avg\">"), c.full);
