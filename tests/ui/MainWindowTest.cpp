@@ -27,6 +27,7 @@
 #include <QTimer>
 
 #include "common/MessageAssertions.h"
+#include "common/OutsideReaders.h"
 #include "core/MetricRead.h"
 #include "grid/OwnerGridLogic.h"
 #include "grid/ui/OwnerGrid.h"
@@ -45,11 +46,7 @@ namespace {
 
 constexpr int kProcedures = 5;
 
-QString OutputFolder() {
-  const QString folder = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/MainWindow");
-  QDir().mkpath(folder);
-  return folder;
-}
+QString OutputFolder() { return test::ArtefactFolder(QStringLiteral("MainWindow")); }
 
 // The samples, a window on them, and a help page path in the test's folder.
 class MainWindow : public WindowTest {
