@@ -83,7 +83,6 @@ TEST_F(ReportCommandsTest, StatusLimitsAndListsOfTheSamples) {
   const QString limits = ReadText(scripted.ui.opened[1]);
   EXPECT_TRUE(limits.contains("<P>Limits: "));
   EXPECT_TRUE(limits.contains("<TD>CC</TD>"));
-  for (int i : {1, 3, 4}) test::ExpectXmllintHtmlAccepts(scripted.ui.opened[i]);
   EXPECT_EQ(scripted.ui.opened[5], ReportsFolder());
 
   // The compared archive: multipart/related, the HTML first, every picture
@@ -124,7 +123,6 @@ TEST_F(ReportCommandsTest, StatisticsChartsAndCorrelationOfThePage) {
     const QString correlations = ReadText(scripted.ui.opened[2]);
     EXPECT_TRUE(correlations.contains("<TD CLASS=\"head\">Correlation r</TD>"));
     EXPECT_TRUE(correlations.contains("<P CLASS=\"regression\">"));
-    for (int i : {0, 2}) test::ExpectXmllintHtmlAccepts(scripted.ui.opened[i]);
 
     // Two pictures a series, in page order, each inside the archive.
     const int columns = model->Pages(model->CurrentPage()).ColumnCount;
@@ -134,7 +132,6 @@ TEST_F(ReportCommandsTest, StatisticsChartsAndCorrelationOfThePage) {
                << QString("MetricBarChart%1.bmp").arg(i);
     QTemporaryDir dir;
     EXPECT_EQ(test::WebArchiveImages(scripted.ui.opened[1], dir.filePath("c.html")), expected);
-    test::ExpectXmllintHtmlAccepts(dir.filePath("c.html"));
     test::ChromiumScreenshot(scripted.ui.opened[1], test::ArtefactPath("ReportCommands", c.shot),
                              1000, 1600);
     if (c.full) {

@@ -1,5 +1,5 @@
 // Chart windows on the sample databases: the regression window, a chart
-// saved in each of the six formats and read back by outside readers, and the
+// saved at the control's size and as SVG, its popup and zoom, and the
 // small charts beside the grid following the charts option. That every Chart
 // entry opens a picture is the end-to-end walk's part.
 // Screenshots go to <build>/test-output/ChartWindows/.
@@ -105,7 +105,7 @@ TEST_F(ChartWindows, XYEntryOpensTheRegressionWindow) {
   EXPECT_TRUE(m_scripted->ui.messages.empty());
 }
 
-TEST_F(ChartWindows, SavesAChartInEachFormat) {
+TEST_F(ChartWindows, SavesAtTheControlsSizeAndAsSvg) {
   Trigger("mChartHistogram");
   MetaForm* form = NewForm();
   ASSERT_NE(form, nullptr);
@@ -115,24 +115,13 @@ TEST_F(ChartWindows, SavesAChartInEachFormat) {
   MetaView& view = *form->View();
   const QSize size = view.contentsRect().size();
   ScriptedUiServices& ui = m_scripted->ui;
-  const char* names[] = {"saved-wmf", "saved-emf", "saved-bmp",
-                         "saved-gif", "saved-png", "saved-svg"};
-  for (int filter = 1; filter <= 6; ++filter) {
-    const QString file = Artefact(QString::fromLatin1(names[filter - 1]));
-    ui.fileAnswers.push_back(file);
-    ui.filterAnswers.push_back(filter);
-    ASSERT_TRUE(view.Save()) << filter;
-  }
+  // Bitmaps take the control's size and SVG is the window library's; each
+  // format's bytes and readers are the picture model's tests.
+  ui.fileAnswers = {Artefact("saved-png.png"), Artefact("saved-svg.svg")};
+  ui.filterAnswers = {5, 6};
+  ASSERT_TRUE(view.Save());
+  ASSERT_TRUE(view.Save());
   EXPECT_TRUE(ui.messages.empty()) << ui.MessageTexts().join("|").toStdString();
-  test::ExpectWmf2SvgAccepts(Artefact("saved-wmf.wmf"), Artefact("saved-wmf.svg"));
-  test::ExpectEmf2SvgAccepts(Artefact("saved-emf.emf"), Artefact("saved-emf.svg"));
-  EXPECT_EQ(test::DecodeWithBmptopnm(Artefact("saved-bmp.bmp")).size(), size);
-  EXPECT_EQ(test::Gif2RgbPixels(Artefact("saved-gif.gif")).size(),
-            size.width() * size.height() * 3);
-  EXPECT_TRUE(
-      test::GiftextReport(Artefact("saved-gif.gif"))
-          .contains(
-              QStringLiteral("Width = %1, Height = %2").arg(size.width()).arg(size.height())));
   EXPECT_EQ(test::DecodeWithImageMagick(Artefact("saved-png.png")).size(), size);
   test::ExpectXmllintAccepts(Artefact("saved-svg.svg"));
   // The SVG drawn again, to look at.

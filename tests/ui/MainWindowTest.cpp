@@ -72,22 +72,19 @@ class MainWindow : public WindowTest {
     EXPECT_TRUE(image.save(OutputFolder() + QLatin1Char('/') + name + QStringLiteral(".png")));
   }
 
-  // The visible cells' answers, as the grid asks for them when it paints.
-  int CountVisibleCells(quint32 colour, int* defined = nullptr) {
+  // The visible cells the page model paints in `colour`.
+  int CountVisibleCells(quint32 colour) {
     OwnerGridLogic& grid = m_window->Grid().Logic();
     const OwnerGridLogic::Range range = grid.VisibleRange(false);
     int count = 0;
-    int withText = 0;
     for (int row = range.top; row <= range.bottom; ++row) {
       for (int column = grid.FixedColumns() + 1; column <= range.right; ++column) {
         QString text;
         quint32 cellColour = grid.ForeColor();
         m_window->Model().DataRequest(row, column, text, cellColour);
-        if (!text.isEmpty() && text != QStringLiteral("-")) ++withText;
         if (cellColour == colour) ++count;
       }
     }
-    if (defined) *defined = withText;
     return count;
   }
 
@@ -120,7 +117,7 @@ TEST_F(MainWindow, TabsCarryTheSevenCaptionsAndTips) {
   EXPECT_EQ(window.windowTitle(), window.Model().ProgramTitle());
 }
 
-TEST_F(MainWindow, EveryPageShowsRowsAndItsCombos) {
+TEST_F(MainWindow, EveryPageShowsItsCombosAndPanel) {
   frmMetrics& window = Open();
   // Page, whether the analysis list shows, whether the project-in-time lists show.
   const struct {
@@ -139,12 +136,6 @@ TEST_F(MainWindow, EveryPageShowsRowsAndItsCombos) {
     ClickTab(c.page);
     EXPECT_EQ(window.Model().CurrentPage(), c.page);
     EXPECT_EQ(window.Tabs().currentIndex(), c.page);
-    const OwnerGridLogic& grid = window.Grid().Logic();
-    EXPECT_GT(grid.Rows(), 0);
-    EXPECT_GT(grid.Columns(), 2);
-    int defined = 0;
-    CountVisibleCells(0xFFFFFFFF, &defined);
-    EXPECT_GT(defined, 0) << "no number in view";
     EXPECT_EQ(!window.ComboWidget(PageCombo::Analysis).isHidden(), c.analysis);
     EXPECT_EQ(!window.ComboWidget(PageCombo::ProjectInTimeStyle).isHidden(), c.projectInTime);
     EXPECT_EQ(!window.ComboWidget(PageCombo::CompareClass).isHidden(), c.projectInTime);
