@@ -14,13 +14,13 @@
 #include "support/Filename.h"
 #include "support/SelectFolder.h"
 #include "support/SettingsStore.h"
+#include "support/Text.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
 
 namespace {
 
-const QString kCrLf = QStringLiteral("\r\n");
 const QString kDatabasesSection = QStringLiteral("Databases");
 
 void Exclaim(const QString& text) { Ui().MsgBox(text, MsgStyle::Exclamation, QString()); }

@@ -27,6 +27,10 @@ inline constexpr int kMetricClassCount = 5;
 // Every loop over the catalogue runs through these numbers, ascending.
 inline constexpr MetricId kFirstMetricId = 1000;
 inline constexpr MetricId kLastMetricId = 5101;
+// The analysis date and its age in days: columns of every page, whatever the
+// metric class.
+inline constexpr MetricId kMetricDate = 1000;
+inline constexpr MetricId kMetricDays = 1001;
 
 // Text kinds of GetMetricName.
 enum MetricNameKind : int {

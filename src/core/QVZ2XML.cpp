@@ -19,6 +19,7 @@
 #include "support/FileIO.h"
 #include "support/Filename.h"
 #include "support/FormatNum.h"
+#include "support/Text.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
@@ -27,7 +28,6 @@ namespace {
 
 const QString kTitle = QStringLiteral("Save metrics as XML");
 const QString kWriteErrorTitle = QStringLiteral("Error saving XML metrics");
-const QString kCrLf = QStringLiteral("\r\n");
 
 void Exclamation(const QString& text, const QString& title = kTitle) {
   Ui().MsgBox(text, MsgStyle::Exclamation, title);

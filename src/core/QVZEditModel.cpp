@@ -7,13 +7,12 @@
 #include "core/QVZRead.h"
 #include "support/DateValue.h"
 #include "support/Filename.h"
+#include "support/Text.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
 
 namespace {
-
-const QString kCrLf = QStringLiteral("\r\n");
 
 void Exclaim(const QString& text) { Ui().MsgBox(text, MsgStyle::Exclamation, QString()); }
 

@@ -12,8 +12,6 @@ namespace ombrelle {
 namespace {
 
 // DATE and DAYS belong to every analysis and are never judged.
-constexpr MetricId kDate = 1000;
-constexpr MetricId kDays = 1001;
 
 // The most rules a set holds (its count is 16-bit).
 constexpr size_t kMaxRules = static_cast<size_t>(std::numeric_limits<std::int16_t>::max());
@@ -154,7 +152,7 @@ void MetricLimitsDialogModel::SetClassIndex(int index) {
   m_metrics.Clear();
   m_longName.clear();
   for (MetricId id = kFirstMetricId; id <= kLastMetricId; ++id) {
-    if (id == kDate || id == kDays) continue;
+    if (id == kMetricDate || id == kMetricDays) continue;
     if (MetricDefinitions::GetMetricClass(id) != index || !m_catalogue.MetricSupported(id))
       continue;
     m_metrics.AddItem(m_catalogue.GetMetricName(id, NameAbbreviation), id);

@@ -23,7 +23,7 @@ const QString kHeadSection = QStringLiteral("MTL Metric limits");
 // with more entries is no limits file, and is not copied into the settings.
 constexpr size_t kMaxImportEntries = 32767 * 4 + 16;
 
-void ShowError(const QString& text) {
+void ShowFileError(const QString& text) {
   Ui().MsgBox(text, MsgStyle::Exclamation, UiServices::AppTitle());
 }
 
@@ -63,13 +63,13 @@ void CopyKeys(const QString& target, const std::vector<std::pair<QString, QStrin
 bool MetricLimits::Export(const QString& fileName) {
   const QFileInfo info(fileName);
   if ((info.exists() || info.isSymLink()) && !QFile::remove(fileName)) {
-    ShowError(QStringLiteral("Cannot delete existing file: ") + fileName);
+    ShowFileError(QStringLiteral("Cannot delete existing file: ") + fileName);
     return false;
   }
   QSaveFile file(fileName);
   if (!file.open(QIODevice::WriteOnly)) {
-    ShowError(QStringLiteral("Cannot create file ") + fileName + QStringLiteral(": ") +
-              file.errorString());
+    ShowFileError(QStringLiteral("Cannot create file ") + fileName + QStringLiteral(": ") +
+                  file.errorString());
     return false;
   }
 
@@ -94,7 +94,7 @@ bool MetricLimits::Export(const QString& fileName) {
     if (file.write(TextToMultiByte(line + QStringLiteral("\r\n"), kCodepageAnsi)) < 0) break;
   }
   if (!file.commit()) {
-    ShowError(file.errorString());
+    ShowFileError(file.errorString());
     return false;
   }
   return true;
@@ -118,7 +118,7 @@ std::int32_t MetricLimits::Import(const QString& fileName) {
   };
   if (ParseLimitNumber(headValue(QStringLiteral("Version"))) != 1.0 ||
       entries > kMaxImportEntries) {
-    ShowError(QStringLiteral("Unsupported file format or version in ") + fileName);
+    ShowFileError(QStringLiteral("Unsupported file format or version in ") + fileName);
     return 0;
   }
 

@@ -15,8 +15,6 @@ namespace ombrelle {
 namespace {
 
 const QString kSelectionsSection = QStringLiteral("Selections");
-constexpr MetricId kDate = 1000;
-constexpr MetricId kDays = 1001;
 constexpr std::int32_t kMaxStored = std::numeric_limits<std::int16_t>::max();
 
 // The order in which lists show the built-in selections.
@@ -73,8 +71,8 @@ void MetricSelection::Load(std::int32_t SelectionNr) {
     LoadBuiltIn(m_selectionNr);
   }
   // Every table shows when each row was measured.
-  if (!IsSelected(kDate)) AddSelected(kDate);
-  if (!IsSelected(kDays)) AddSelected(kDays);
+  if (!IsSelected(kMetricDate)) AddSelected(kMetricDate);
+  if (!IsSelected(kMetricDays)) AddSelected(kMetricDays);
 }
 
 void MetricSelection::AddRange(std::initializer_list<MetricId> metrics) {

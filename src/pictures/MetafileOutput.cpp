@@ -15,7 +15,7 @@ namespace ombrelle {
 
 namespace {
 
-int Round(double value) { return static_cast<int>(std::nearbyint(value)); }
+int RoundToInt(double value) { return static_cast<int>(std::nearbyint(value)); }
 
 void Complain(const QString& text) { Ui().MsgBox(text, MsgStyle::Exclamation, QString()); }
 
@@ -29,7 +29,7 @@ MetaRect Metafile::PlayArea(float x1, float y1, float x2, float y2, bool stretch
     else
       y2 = (x2 - x1) / aspect + y1;
   }
-  return {Round(x1), Round(y1), Round(x2), Round(y2)};
+  return {RoundToInt(x1), RoundToInt(y1), RoundToInt(x2), RoundToInt(y2)};
 }
 
 MetaRect Metafile::CenteredArea(float x1, float y1, float x2, float y2) const {
@@ -37,11 +37,11 @@ MetaRect Metafile::CenteredArea(float x1, float y1, float x2, float y2) const {
   if (y2 - y1 > (x2 - x1) / aspect) {
     const double h = (double(x2) - x1) / aspect;
     const double o = (double(y2) - y1) / 2 - h / 2;
-    return {Round(x1), Round(y1 + o), Round(x2), Round(y1 + o + h)};
+    return {RoundToInt(x1), RoundToInt(y1 + o), RoundToInt(x2), RoundToInt(y1 + o + h)};
   }
   const double w = (double(y2) - y1) * aspect;
   const double o = (double(x2) - x1) / 2 - w / 2;
-  return {Round(x1 + o), Round(y1), Round(x1 + o + w), Round(y2)};
+  return {RoundToInt(x1 + o), RoundToInt(y1), RoundToInt(x1 + o + w), RoundToInt(y2)};
 }
 
 void Metafile::Play(QPainter& painter, float x1, float y1, float x2, float y2, bool stretch) const {
@@ -57,9 +57,9 @@ void Metafile::PlayCentered(QPainter& painter, float x1, float y1, float x2, flo
 void Metafile::GetSizeFit(int& width, int& height) const {
   const double aspect = Aspect();
   if (width / aspect < height)
-    height = Round(width / aspect);
+    height = RoundToInt(width / aspect);
   else
-    width = Round(aspect * height);
+    width = RoundToInt(aspect * height);
 }
 
 bool Metafile::GetSize(int& width, int& height) const {
@@ -69,8 +69,8 @@ bool Metafile::GetSize(int& width, int& height) const {
   }
   const MetaRect f = m_picture->frameRect;
   // 0.01 mm to twips, then 15 twips to a screen pixel.
-  width = Round((f.right - f.left + 1) * 0.5669291338582677 / 15.0);
-  height = Round((f.bottom - f.top + 1) * 0.5669291338582677 / 15.0);
+  width = RoundToInt((f.right - f.left + 1) * 0.5669291338582677 / 15.0);
+  height = RoundToInt((f.bottom - f.top + 1) * 0.5669291338582677 / 15.0);
   return true;
 }
 
@@ -78,7 +78,7 @@ std::unique_ptr<Bitmap> Metafile::MakeBitmap(int width, int height, int depth, b
   if (width == 0) {
     if (!GetSize(width, height)) return nullptr;
   } else if (height == 0) {
-    height = Round(width / Aspect());
+    height = RoundToInt(width / Aspect());
   }
   int mode = depth;
   if (depth == 0) {
@@ -115,8 +115,8 @@ bool Metafile::SaveBMP(const QString& file, int width, int height, int depth, bo
 
 bool Metafile::PrintOut(QPagedPaintDevice* device) {
   const MetaRect f = FrameRect();
-  const int widthMm = static_cast<std::int16_t>(Round((f.right - f.left + 1) / 100.0));
-  const int heightMm = static_cast<std::int16_t>(Round((f.bottom - f.top + 1) / 100.0));
+  const int widthMm = static_cast<std::int16_t>(RoundToInt((f.right - f.left + 1) / 100.0));
+  const int heightMm = static_cast<std::int16_t>(RoundToInt((f.bottom - f.top + 1) / 100.0));
   std::unique_ptr<QPagedPaintDevice> owned;
   QString name = Description();
   name.remove(QChar(0));
@@ -132,8 +132,8 @@ bool Metafile::PrintOut(QPagedPaintDevice* device) {
   const int deviceWidth = device->width(), deviceHeight = device->height();
   const int printedWidth = std::min(deviceWidthMm, widthMm);
   const int printedHeight = std::min(deviceHeightMm, heightMm);
-  const int pw = Round(double(deviceWidth) / std::max(deviceWidthMm, 1) * printedWidth);
-  const int ph = Round(double(deviceHeight) / std::max(deviceHeightMm, 1) * printedHeight);
+  const int pw = RoundToInt(double(deviceWidth) / std::max(deviceWidthMm, 1) * printedWidth);
+  const int ph = RoundToInt(double(deviceHeight) / std::max(deviceHeightMm, 1) * printedHeight);
   int left = 0, right = pw - 1;
   if (pw < deviceWidth) {
     left = (deviceWidth - pw) / 2;
@@ -161,8 +161,8 @@ ClipboardExtents Metafile::GetClipboardExtents() const {
   extents.yExt = std::abs(f.bottom - f.top + 1);
   if (extents.xExt >= 32768 || extents.yExt >= 32768) {
     // Negative extents give the proportions only, within 16 bits.
-    extents.xExt = Round(-extents.xExt / 256.0);
-    extents.yExt = Round(-extents.yExt / 256.0);
+    extents.xExt = RoundToInt(-extents.xExt / 256.0);
+    extents.yExt = RoundToInt(-extents.yExt / 256.0);
   }
   return extents;
 }

@@ -7,6 +7,7 @@
 #include "support/FileIO.h"
 #include "support/Filename.h"
 #include "support/FormatNum.h"
+#include "support/Text.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
@@ -15,8 +16,6 @@ const QString kMakerHost = QStringLiteral("ombrelle.example.org");
 const QString kMakerWebAddress = QStringLiteral("https://ombrelle.example.org/");
 
 namespace {
-
-const QString kCrLf = QStringLiteral("\r\n");
 
 QString Lines(const QStringList& lines) { return lines.join(kCrLf) + kCrLf; }
 

@@ -9,6 +9,7 @@
 #include "shell/PageModel.h"
 #include "shell/PageReportSource.h"
 #include "support/Filename.h"
+#include "support/Text.h"
 #include "support/UiServices.h"
 #include "support/WildcardMatch.h"
 
@@ -19,8 +20,6 @@ namespace {
 // Two values that live for the whole run.
 int g_lastExportKind = ExportKind::Csv;
 QString g_lastSearchText;
-
-const QString kCrLf = QStringLiteral("\r\n");
 
 QString ExtensionOfKind(int kind) {
   switch (kind) {

@@ -11,13 +11,12 @@
 
 #include "support/FileIO.h"
 #include "support/Filename.h"
+#include "support/Text.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
 
 namespace {
-
-const QString kCrLf = QStringLiteral("\r\n");
 
 QString SystemText(int error) { return QString::fromLocal8Bit(std::strerror(error)); }
 

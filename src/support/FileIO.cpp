@@ -9,13 +9,12 @@
 
 #include "support/Codepage.h"
 #include "support/Filename.h"
+#include "support/Text.h"
 #include "support/UiServices.h"
 
 namespace ombrelle {
 
 namespace {
-
-const QString kCrLf = QStringLiteral("\r\n");
 
 void ShowWriteError(const QString& path, int number, const QString& text) {
   Ui().MsgBox(QStringLiteral("Error #") + QString::number(number) + QStringLiteral(" saving to ") +

@@ -4,6 +4,9 @@
 
 namespace ombrelle {
 
+// The line break of the program's messages and text files.
+inline const QString kCrLf = QStringLiteral("\r\n");
+
 // Free text routines: tabs, tokens, wrapping, transliteration to 7-bit text
 // for file names, and the Macintosh Roman code of a Latin letter.
 

@@ -2,7 +2,9 @@
 // folders and the temporary folder point into a fresh temporary directory, so
 // no test can read or write the user's settings or files.
 #include <cstdlib>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -34,13 +36,20 @@ int main(int argc, char** argv) {
   g_root = root;
   const std::string home = g_root + "/home";
   const std::string tmp = g_root + "/tmp";
-  for (const std::string& dir : {home, tmp, home + "/.config", home + "/.local", home + "/.cache"})
-    std::system(("mkdir -p '" + dir + "'").c_str());
+  const std::string runtime = g_root + "/runtime";
+  // Made in process: each test starts its own program run, so a shell per
+  // folder would cost more than many of the tests themselves.
+  std::error_code error;
+  for (const std::string& dir :
+       {home + "/.config", home + "/.local", home + "/.cache", tmp, runtime})
+    std::filesystem::create_directories(dir, error);
+  std::filesystem::permissions(runtime, std::filesystem::perms::owner_all, error);
   setenv("HOME", home.c_str(), 1);
   setenv("XDG_CONFIG_HOME", (home + "/.config").c_str(), 1);
   setenv("XDG_DATA_HOME", (home + "/.local").c_str(), 1);
   setenv("XDG_CACHE_HOME", (home + "/.cache").c_str(), 1);
   setenv("TMPDIR", tmp.c_str(), 1);
+  setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
   // Window tests that need a real display run under xvfb-run with
   // OMBRELLE_TEST_XVFB or OMBRELLE_UNDER_XVFB set; every other run draws
   // offscreen.
@@ -58,6 +67,6 @@ int main(int argc, char** argv) {
   QStandardPaths::setTestModeEnabled(true);
   ::testing::InitGoogleTest(&argc, argv);
   const int result = RUN_ALL_TESTS();
-  std::system(("rm -rf '" + g_root + "'").c_str());
+  std::filesystem::remove_all(g_root, error);
   return result;
 }

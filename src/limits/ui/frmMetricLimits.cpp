@@ -17,6 +17,7 @@
 #include "grid/ui/OwnerGrid.h"
 #include "limits/MetricLimits.h"
 #include "limits/MetricLimitsDialogModel.h"
+#include "support/ui/DialogButton.h"
 
 namespace ombrelle {
 
@@ -24,13 +25,6 @@ namespace {
 
 constexpr float kMetricColumnWidth = 110.0f;
 constexpr float kRuleColumnWidth = 190.0f;
-
-QPushButton* MakeButton(const QString& name, const QString& caption, QWidget* parent) {
-  auto* button = new QPushButton(caption, parent);
-  button->setObjectName(name);
-  button->setAutoDefault(false);
-  return button;
-}
 
 }  // namespace
 
@@ -102,9 +96,9 @@ void frmMetricLimits::BuildWidgets() {
   middle->addWidget(m_grid, 1);
 
   auto* listButtons = new QVBoxLayout();
-  m_add = MakeButton(QStringLiteral("bAdd"), QStringLiteral("&Add rule"), this);
-  m_edit = MakeButton(QStringLiteral("bEdit"), QStringLiteral("&Edit rule"), this);
-  m_delete = MakeButton(QStringLiteral("bDelete"), QStringLiteral("&Delete rule"), this);
+  m_add = MakeDialogButton(QStringLiteral("bAdd"), QStringLiteral("&Add rule"), this);
+  m_edit = MakeDialogButton(QStringLiteral("bEdit"), QStringLiteral("&Edit rule"), this);
+  m_delete = MakeDialogButton(QStringLiteral("bDelete"), QStringLiteral("&Delete rule"), this);
   for (QPushButton* button : {m_add, m_edit, m_delete}) listButtons->addWidget(button);
   listButtons->addStretch(1);
   middle->addLayout(listButtons);
@@ -130,8 +124,8 @@ void frmMetricLimits::BuildWidgets() {
   m_readOnly->setObjectName(QStringLiteral("lblReadOnly"));
   bottom->addWidget(m_readOnly, 1);
   bottom->addStretch(0);
-  m_ok = MakeButton(QStringLiteral("bOK"), QStringLiteral("A&ccept"), this);
-  m_cancel = MakeButton(QStringLiteral("bCancel"), m_model.CancelCaption(), this);
+  m_ok = MakeDialogButton(QStringLiteral("bOK"), QStringLiteral("A&ccept"), this);
+  m_cancel = MakeDialogButton(QStringLiteral("bCancel"), m_model.CancelCaption(), this);
   bottom->addWidget(m_ok);
   bottom->addWidget(m_cancel);
   layout->addLayout(bottom);
@@ -190,8 +184,8 @@ QWidget* frmMetricLimits::BuildEditFrame() {
 
   auto* frameButtons = new QHBoxLayout();
   frameButtons->addStretch(1);
-  m_save = MakeButton(QStringLiteral("bSave"), QStringLiteral("&Save rule"), m_frame);
-  m_discard = MakeButton(QStringLiteral("bDiscard"), QStringLiteral("&Discard"), m_frame);
+  m_save = MakeDialogButton(QStringLiteral("bSave"), QStringLiteral("&Save rule"), m_frame);
+  m_discard = MakeDialogButton(QStringLiteral("bDiscard"), QStringLiteral("&Discard"), m_frame);
   frameButtons->addWidget(m_save);
   frameButtons->addWidget(m_discard);
   form->addLayout(frameButtons, 3, 0, 1, 6);

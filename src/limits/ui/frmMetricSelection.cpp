@@ -11,19 +11,9 @@
 #include <QVBoxLayout>
 
 #include "limits/MetricSelectionDialogModel.h"
+#include "support/ui/DialogButton.h"
 
 namespace ombrelle {
-
-namespace {
-
-QPushButton* MakeButton(const QString& name, const QString& caption, QWidget* parent) {
-  auto* button = new QPushButton(caption, parent);
-  button->setObjectName(name);
-  button->setAutoDefault(false);
-  return button;
-}
-
-}  // namespace
 
 frmMetricSelection::frmMetricSelection(MetricSelectionDialogModel& model, QWidget* parent)
     : QDialog(parent), m_model(model) {
@@ -38,9 +28,9 @@ frmMetricSelection::frmMetricSelection(MetricSelectionDialogModel& model, QWidge
   m_selections->setMinimumWidth(200);
   left->addWidget(m_selections, 1);
   auto* listButtons = new QHBoxLayout();
-  m_add = MakeButton(QStringLiteral("bAdd"), QStringLiteral("&Add..."), this);
-  m_rename = MakeButton(QStringLiteral("bRename"), QStringLiteral("&Rename..."), this);
-  m_delete = MakeButton(QStringLiteral("bDelete"), QStringLiteral("&Delete..."), this);
+  m_add = MakeDialogButton(QStringLiteral("bAdd"), QStringLiteral("&Add..."), this);
+  m_rename = MakeDialogButton(QStringLiteral("bRename"), QStringLiteral("&Rename..."), this);
+  m_delete = MakeDialogButton(QStringLiteral("bDelete"), QStringLiteral("&Delete..."), this);
   for (QPushButton* button : {m_add, m_rename, m_delete}) listButtons->addWidget(button);
   left->addLayout(listButtons);
   columns->addLayout(left);
@@ -80,7 +70,7 @@ frmMetricSelection::frmMetricSelection(MetricSelectionDialogModel& model, QWidge
 
   auto* bottom = new QHBoxLayout();
   bottom->addStretch(1);
-  auto* close = MakeButton(QStringLiteral("bClose"), QStringLiteral("&Close"), this);
+  auto* close = MakeDialogButton(QStringLiteral("bClose"), QStringLiteral("&Close"), this);
   close->setDefault(true);
   bottom->addWidget(close);
   layout->addLayout(bottom);
