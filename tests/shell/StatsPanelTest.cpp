@@ -18,7 +18,7 @@ std::vector<double> ColumnValues(PageModelTest& test, int column) {
   return values;
 }
 
-CStats SeriesOf(const std::vector<double>& values) {
+CStats SummarisedSeries(const std::vector<double>& values) {
   CStats stats;
   for (double v : values) stats.AddValue(v);
   stats.CalcStats();
@@ -60,7 +60,7 @@ TEST_F(PageModelTest, PanelOnProjectInTimeHasFullStatisticsOfDifferencesOnly) {
       EXPECT_EQ(t.Sum, "");
       continue;
     }
-    const CStats expected = SeriesOf(values);
+    const CStats expected = SummarisedSeries(values);
     EXPECT_EQ(t.Avg, FormatMetric(model->MetricFormatOnPage(1009, 1), expected.Mean));
     EXPECT_EQ(t.StdDev, FormatMetric(model->MetricFormatOnPage(1009, 2), expected.StdDev));
     EXPECT_EQ(t.Skew, FormatMetric(7, expected.Skew));
@@ -82,7 +82,7 @@ TEST_F(PageModelTest, PanelOnItemPageCountsValuesOutsideTheRule) {
   CursorOnMetric(4001);
   const StatsTexts& t = model->Panel().Texts();
   const std::vector<double> values = ColumnValues(*this, model->FindGridColumn(4001) + 1);
-  const CStats expected = SeriesOf(values);
+  const CStats expected = SummarisedSeries(values);
   EXPECT_EQ(t.Count, "45");
   EXPECT_EQ(t.Avg, FormatMetric(model->MetricFormatOnPage(4001, 1), expected.Mean));
   EXPECT_EQ(t.Sum, FormatMetric(1, expected.Sum));
@@ -145,7 +145,7 @@ TEST_F(PageModelTest, PanelLimitLabelsFollowTheLimitSet) {
 
 TEST(StatsPanelTexts, OutlierSkewAndKurtosisTexts) {
   std::vector<double> nine = {1, 2, 3, 4, 5, 6, 7, 8, 100};
-  CStats nineValues = SeriesOf(nine);
+  CStats nineValues = SummarisedSeries(nine);
   EXPECT_EQ(StatsPanel::OutlierText(nineValues, 1, false, false), "-");
   EXPECT_EQ(StatsPanel::OutlierText(nineValues, 1, true, true), "-");
 
@@ -154,17 +154,17 @@ TEST(StatsPanelTexts, OutlierSkewAndKurtosisTexts) {
   std::vector<double> twenty;
   for (int i = 1; i <= 19; ++i) twenty.push_back(i);
   twenty.push_back(1000);
-  CStats tail = SeriesOf(twenty);
+  CStats tail = SummarisedSeries(twenty);
   EXPECT_EQ(StatsPanel::OutlierText(tail, 7, false, false), ">32.5");
   EXPECT_EQ(StatsPanel::OutlierText(tail, 7, true, false), ">49.0");
   EXPECT_EQ(StatsPanel::OutlierText(tail, 7, false, true), "[1.0, 32.5]");
 
   twenty.front() = -1000;
-  CStats both = SeriesOf(twenty);
+  CStats both = SummarisedSeries(twenty);
   EXPECT_EQ(StatsPanel::OutlierText(both, 7, false, false).count(", "), 1);
   EXPECT_TRUE(StatsPanel::OutlierText(both, 7, false, false).startsWith("<"));
 
-  CStats constant = SeriesOf(std::vector<double>(12, 4.0));
+  CStats constant = SummarisedSeries(std::vector<double>(12, 4.0));
   EXPECT_EQ(StatsPanel::OutlierText(constant, 1, false, false), "-");
   EXPECT_EQ(StatsPanel::SkewText(constant, ""), "");
   EXPECT_EQ(StatsPanel::KurtosisText(constant, "n/a"), "n/a");
