@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <unordered_map>
 #include <unordered_set>
@@ -54,6 +55,41 @@ bool IsClassFile(const QString& extension) {
          extension == QLatin1String("ctl") || extension == QLatin1String("dsr");
 }
 
+// Names compared as their lower-case forms (QString::toLower), without
+// making those forms when the names are ASCII, as nearly all are.
+bool IsAsciiText(QStringView s) {
+  for (const QChar c : s)
+    if (c.unicode() >= 0x80) return false;
+  return true;
+}
+
+char16_t LowerAscii(char16_t c) {
+  return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
+}
+
+struct LowerCaseHash {
+  size_t operator()(const QString& s) const {
+    if (!IsAsciiText(s)) return Hash(s.toLower());
+    return Hash(s);
+  }
+  // FNV-1a over the characters in lower case (ASCII ones folded here).
+  static size_t Hash(QStringView s) {
+    std::uint64_t h = 14695981039346656037ull;
+    for (const QChar c : s) h = (h ^ LowerAscii(c.unicode())) * 1099511628211ull;
+    return static_cast<size_t>(h);
+  }
+};
+
+struct LowerCaseEqual {
+  bool operator()(const QString& a, const QString& b) const {
+    if (!IsAsciiText(a) || !IsAsciiText(b)) return a.toLower() == b.toLower();
+    if (a.size() != b.size()) return false;
+    for (qsizetype i = 0; i < a.size(); ++i)
+      if (LowerAscii(a[i].unicode()) != LowerAscii(b[i].unicode())) return false;
+    return true;
+  }
+};
+
 // Row names made unique: a name already given (ignoring case) gets the first
 // free number from 2 on. Each name remembers where its numbers went on, so
 // that many equal names take linear time.
@@ -61,12 +97,11 @@ class UniqueNames {
  public:
   explicit UniqueNames(size_t expected = 0) { m_used.reserve(expected); }
   QString Make(const QString& name) {
-    const QString lower = name.toLower();
-    if (m_used.insert(lower).second) return name;
-    int& next = m_next[lower];
+    if (m_used.insert(name).second) return name;
+    int& next = m_next[name];
     for (next = std::max(next, 2);; ++next) {
       const QString candidate = name + QString::number(next);
-      if (m_used.insert(candidate.toLower()).second) {
+      if (m_used.insert(candidate).second) {
         ++next;
         return candidate;
       }
@@ -74,8 +109,8 @@ class UniqueNames {
   }
 
  private:
-  std::unordered_set<QString> m_used;
-  std::unordered_map<QString, int> m_next;
+  std::unordered_set<QString, LowerCaseHash, LowerCaseEqual> m_used;
+  std::unordered_map<QString, int, LowerCaseHash, LowerCaseEqual> m_next;
 };
 
 QString ProcedureRowName(const QString& module, const ProcedureCount& p) {
