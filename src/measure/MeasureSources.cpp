@@ -15,6 +15,8 @@ namespace ombrelle {
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+// Up to this many names a procedure declares are searched without sorting.
+constexpr size_t kLinearLocals = 16;
 
 // The metrics stored for each class, ascending; the help page "measuring.html"
 // gives the counting rule of each.
@@ -160,9 +162,10 @@ double LineValue(const LineCounts& l, int which) {
 // Finds each procedure's uses of module-level variables. A name qualified by
 // a module's name is that module's variable (public, or of the same module);
 // an unqualified name not declared in the procedure is a variable of its own
-// module, else a public variable of a standard module.
+// module, else a public variable of a standard module. `accessed` receives
+// the number of distinct module-level variables each procedure uses.
 void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variables,
-             std::vector<std::vector<int>>& accessed) {
+             std::vector<int>& accessed) {
   std::unordered_map<NameHash, int> modules;
   std::vector<std::unordered_map<NameHash, int>> own(files.size());
   std::unordered_map<NameHash, int> global;
@@ -181,9 +184,17 @@ void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variab
   std::vector<NameHash> locals;
   for (size_t f = 0; f < files.size(); ++f) {
     for (ProcedureCount& p : files[f].count.procedures) {
-      std::vector<int>& seen = accessed[static_cast<size_t>(procIndex)];
-      locals.assign(p.localNames.begin(), p.localNames.end());
-      std::sort(locals.begin(), locals.end());
+      int& seen = accessed[static_cast<size_t>(procIndex)];
+      // A few names are looked through one by one; many are sorted first.
+      const bool sorted = p.localNames.size() > kLinearLocals;
+      if (sorted) {
+        locals.assign(p.localNames.begin(), p.localNames.end());
+        std::sort(locals.begin(), locals.end());
+      }
+      auto isLocal = [&](NameHash name) {
+        if (sorted) return std::binary_search(locals.begin(), locals.end(), name);
+        return std::find(p.localNames.begin(), p.localNames.end(), name) != p.localNames.end();
+      };
       for (size_t u = p.firstUse; u < p.endUse; ++u) {
         const NameUse& use = files[f].count.uses[u];
         int v = -1;
@@ -200,7 +211,7 @@ void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variab
           if (!visible) continue;
           v = found->second;
         } else {
-          if (std::binary_search(locals.begin(), locals.end(), use.name)) continue;
+          if (isLocal(use.name)) continue;
           const auto found = own[f].find(use.name);
           if (found != own[f].end()) {
             v = found->second;
@@ -218,7 +229,7 @@ void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variab
         }
         if (var.lastProcedure != procIndex) {
           var.lastProcedure = procIndex;
-          seen.push_back(v);
+          ++seen;
         }
       }
       ++procIndex;
@@ -357,7 +368,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
       variables.push_back({static_cast<int>(f), static_cast<int>(v)});
     procedureCount += static_cast<int>(results[f].count.procedures.size());
   }
-  std::vector<std::vector<int>> accessed(static_cast<size_t>(procedureCount));
+  std::vector<int> accessed(static_cast<size_t>(procedureCount), 0);
   Resolve(results, variables, accessed);
 
   // Project.
@@ -490,7 +501,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
             LineValue(l, 5),
             LineValue(l, 6),
             LineValue(l, 7),
-            code ? static_cast<double>(accessed[static_cast<size_t>(row)].size()) : kNaN,
+            code ? static_cast<double>(accessed[static_cast<size_t>(row)]) : kNaN,
             code ? cc : kNaN,
             code ? cc + p.booleanOperators : kNaN,
             code ? cc - p.cases + p.selects : kNaN,
