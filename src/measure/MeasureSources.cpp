@@ -4,6 +4,7 @@
 #include "measure/SourceText.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -268,6 +269,27 @@ void AddDates(const std::vector<FileResult>& files, MeasuredProject& out) {
   }
 }
 
+// The number of distinct values among `hashes`, by an open-addressing table
+// at most half full (names never hash to 0, which marks an empty slot).
+size_t CountDistinct(const std::vector<NameHash>& hashes) {
+  const size_t slots = std::bit_ceil(std::max<size_t>(16, hashes.size() * 2));
+  const int shift = 64 - std::countr_zero(slots);
+  std::vector<NameHash> table(slots, 0);
+  size_t distinct = 0;
+  for (const NameHash h : hashes) {
+    for (size_t slot = static_cast<size_t>((h * 0x9E3779B97F4A7C15ull) >> shift);;
+         slot = (slot + 1) & (slots - 1)) {
+      if (table[slot] == h) break;
+      if (table[slot] == 0) {
+        table[slot] = h;
+        ++distinct;
+        break;
+      }
+    }
+  }
+  return distinct;
+}
+
 // Lengths of one set of names.
 struct NameLengths {
   double characters = 0;
@@ -288,7 +310,7 @@ struct NameLengths {
 // (1244). Event handlers and implementing procedures keep neither their names
 // in 1243 nor their parameters in 1241; each property name counts once. Names
 // differing only in letter case are the same name: the hashes of all names
-// are gathered, and sorted once at the end to count the distinct ones.
+// are gathered, and the distinct ones counted once at the end.
 std::vector<double> NameMetrics(const std::vector<FileResult>& files) {
   NameLengths variables, constants, procedures, all;
   std::vector<NameHash> hashes;
@@ -321,9 +343,7 @@ std::vector<double> NameMetrics(const std::vector<FileResult>& files) {
   all.Add(variables);
   all.Add(constants);
   all.Add(procedures);
-  std::sort(hashes.begin(), hashes.end());
-  const auto distinct =
-      static_cast<double>(std::unique(hashes.begin(), hashes.end()) - hashes.begin());
+  const auto distinct = static_cast<double>(CountDistinct(hashes));
   return {all.Average(), variables.Average(), constants.Average(), procedures.Average(),
           all.count > 0 ? distinct / all.count : kNaN};
 }
