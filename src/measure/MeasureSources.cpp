@@ -117,17 +117,25 @@ class UniqueNames {
 };
 
 QString ProcedureRowName(const QString& module, const ProcedureCount& p) {
-  QString name = module + QLatin1Char('.') + p.name;
+  QLatin1StringView kind;
   switch (p.kind) {
     case ProcedureKind::PropertyGet:
-      return name + QStringLiteral(" (Get)");
+      kind = QLatin1StringView(" (Get)");
+      break;
     case ProcedureKind::PropertyLet:
-      return name + QStringLiteral(" (Let)");
+      kind = QLatin1StringView(" (Let)");
+      break;
     case ProcedureKind::PropertySet:
-      return name + QStringLiteral(" (Set)");
+      kind = QLatin1StringView(" (Set)");
+      break;
     default:
-      return name;
+      break;
   }
+  // Made in one piece: one allocation for the whole name.
+  QString name;
+  name.reserve(module.size() + 1 + p.name.size() + kind.size());
+  name.append(module).append(QLatin1Char('.')).append(p.name).append(kind);
+  return name;
 }
 
 MeasuredClass MakeClass(MetricClass classNr, const std::vector<MetricId>& ids, int rows) {
