@@ -361,9 +361,8 @@ std::vector<double> NameMetrics(const std::vector<FileResult>& files) {
 MeasuredProject MeasureSources(const QString& projectName, const std::vector<SourceFile>& files) {
   MeasuredProject out;
   std::vector<FileResult> results;
-  // One text and one list of lines serve every file in turn.
+  // One text serves every file in turn.
   QString text;
-  std::vector<PhysicalLine> lines;
   for (const SourceFile& file : files) {
     if (LooksBinary(file.bytes)) {
       out.warnings << QStringLiteral("%1: binary content, not measured").arg(file.name);
@@ -377,8 +376,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
     r.bytes = static_cast<double>(file.bytes.size());
     r.date = file.date;
     DecodeSource(file.bytes, text);
-    SplitPhysicalLines(text, lines);
-    r.count = CountModule(text, lines, dot < 0 ? leaf : leaf.left(dot));
+    r.count = CountModule(text, dot < 0 ? leaf : leaf.left(dot));
     if (!r.count.problems.isEmpty())
       out.warnings << QStringLiteral("%1: %2").arg(file.name,
                                                    r.count.problems.join(QStringLiteral("; ")));

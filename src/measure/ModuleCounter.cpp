@@ -28,15 +28,14 @@ constexpr int kMaxSingleLineNesting = 64;
 
 class Counter {
  public:
-  Counter(const QString& text, const std::vector<PhysicalLine>& lines)
-      : m_text(text), m_lexer(text, lines), m_physical(static_cast<int>(lines.size())) {}
+  explicit Counter(const QString& text) : m_text(text), m_lexer(text) {}
 
   ModuleCount Run(const QString& baseName) {
-    m_result.lines.physical = m_physical;
     while (m_lexer.Next(m_line)) Line();
+    m_result.lines.physical = m_lexer.PhysicalLines();
     if (m_proc >= 0) {
       m_result.problems << QStringLiteral("%1 has no end").arg(m_result.procedures[m_proc].name);
-      Close(m_physical - 1);
+      Close(m_result.lines.physical - 1);
     }
     if (m_block != Block::None)
       m_result.problems << QStringLiteral("a Type or Enum block has no end");
@@ -476,7 +475,6 @@ class Counter {
 
   const QString& m_text;
   BasicLexer m_lexer;
-  int m_physical = 0;
   LogicalLine m_line;
   // The line's tokens, kept at hand: they are looked at again and again.
   const Token* m_tokens = nullptr;
@@ -495,12 +493,7 @@ class Counter {
 }  // namespace
 
 ModuleCount CountModule(const QString& text, const QString& baseName) {
-  return CountModule(text, SplitPhysicalLines(text), baseName);
-}
-
-ModuleCount CountModule(const QString& text, const std::vector<PhysicalLine>& lines,
-                        const QString& baseName) {
-  Counter counter(text, lines);
+  Counter counter(text);
   return counter.Run(baseName);
 }
 
