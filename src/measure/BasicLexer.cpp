@@ -288,7 +288,8 @@ __attribute__((flatten)) void BasicLexer::ScanCode(LogicalLine& out) {
   // positions out of registers.
   auto push = [&](TokenKind kind, qsizetype from, qsizetype to) __attribute__((always_inline)) {
     const qsizetype length = std::min<qsizetype>(to - from, std::numeric_limits<int>::max());
-    out.tokens.push_back({kind, Keyword::None, static_cast<int>(length), from, 0});
+    const char16_t punct = kind == TokenKind::Punct && length == 1 ? p[from].unicode() : 0;
+    out.tokens.push_back({kind, Keyword::None, punct, static_cast<int>(length), from, 0});
   };
 
   enterLine(m_line);

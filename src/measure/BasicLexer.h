@@ -24,6 +24,7 @@ enum class TokenKind : std::uint8_t { Word, Number, String, Date, Punct };
 struct Token {
   TokenKind kind = TokenKind::Punct;
   Keyword keyword = Keyword::None;  // the keyword a word spells
+  char16_t punct = 0;               // of a one-character Punct: that character
   int length = 0;
   qsizetype begin = 0;
   NameHash hash = 0;  // of a word: HashName of its text

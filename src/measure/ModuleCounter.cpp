@@ -28,7 +28,7 @@ constexpr int kMaxSingleLineNesting = 64;
 
 class Counter {
  public:
-  explicit Counter(const QString& text) : m_text(text), m_lexer(text) {}
+  explicit Counter(const QString& text) : m_lexer(text) {}
 
   ModuleCount Run(const QString& baseName) {
     while (m_lexer.Next(m_line)) Line();
@@ -54,11 +54,7 @@ class Counter {
   // --- tokens of the current line
   // The lexer numbered the keywords: a keyword is told by its number.
   bool IsWord(int i, Keyword k) const { return Valid(i) && m_tokens[i].keyword == k; }
-  bool IsPunct(int i, char16_t c) const {
-    if (!Valid(i)) return false;
-    const Token& t = m_tokens[i];
-    return t.kind == TokenKind::Punct && t.length == 1 && m_text.constData()[t.begin] == c;
-  }
+  bool IsPunct(int i, char16_t c) const { return Valid(i) && m_tokens[i].punct == c; }
   bool IsAnyWord(int i) const { return Valid(i) && m_tokens[i].kind == TokenKind::Word; }
   // `i` is a token of the line (the comparison as unsigned also refuses -1).
   bool Valid(int i) const { return static_cast<unsigned>(i) < m_tokenCount; }
@@ -473,7 +469,6 @@ class Counter {
     m_result.procedures[static_cast<size_t>(m_proc)].endUse = uses.size();
   }
 
-  const QString& m_text;
   BasicLexer m_lexer;
   LogicalLine m_line;
   // The line's tokens, kept at hand: they are looked at again and again.
