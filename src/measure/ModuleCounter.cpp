@@ -165,14 +165,19 @@ class Counter {
     const Keyword kb = m_line.tokens[static_cast<size_t>(b)].keyword;
     int i = b;
     bool isPrivate = false, isPublic = false;
-    while (i < e && (IsWord(i, Keyword::Public) || IsWord(i, Keyword::Private) ||
-                     IsWord(i, Keyword::Friend) || IsWord(i, Keyword::Global) ||
-                     IsWord(i, Keyword::Static))) {
-      isPrivate |= IsWord(i, Keyword::Private);
-      isPublic |= IsWord(i, Keyword::Public) || IsWord(i, Keyword::Global);
-      ++i;
+    for (; i < e; ++i) {
+      const Keyword k = m_tokens[i].keyword;
+      if (k != Keyword::Public && k != Keyword::Private && k != Keyword::Friend &&
+          k != Keyword::Global && k != Keyword::Static)
+        break;
+      isPrivate |= k == Keyword::Private;
+      isPublic |= k == Keyword::Public || k == Keyword::Global;
     }
-    if (m_block == Block::None && Header(i, e, isPrivate)) return;
+    // Only these words can begin a procedure's header.
+    const Keyword ki = Valid(i) ? m_tokens[i].keyword : Keyword::None;
+    const bool mayBeHeader = ki == Keyword::Declare || ki == Keyword::Sub ||
+                             ki == Keyword::Function || ki == Keyword::Property;
+    if (mayBeHeader && m_block == Block::None && Header(i, e, isPrivate)) return;
     if ((kb == Keyword::End) && (IsWord(b + 1, Keyword::Sub) || IsWord(b + 1, Keyword::Function) ||
                                  IsWord(b + 1, Keyword::Property))) {
       const int proc = m_proc;
