@@ -168,6 +168,45 @@ double LineValue(const LineCounts& l, int which) {
   }
 }
 
+// Numbers by a name's hash within a scope (a file, or 0 for one scope only),
+// in an open-addressing table at most half full; the first number added for
+// a name stays. Names never hash to 0, which marks an empty slot.
+class NameIndex {
+ public:
+  explicit NameIndex(size_t expected) {
+    const size_t slots = std::bit_ceil(std::max<size_t>(16, expected * 2));
+    m_shift = 64 - std::countr_zero(slots);
+    m_entries.resize(slots);
+  }
+  void Add(NameHash name, int scope, int value) {
+    Entry& e = Slot(name, scope);
+    if (e.name == 0) e = {name, scope, value};
+  }
+  // The number added for the name in the scope, or -1.
+  int Find(NameHash name, int scope) const {
+    return const_cast<NameIndex*>(this)->Slot(name, scope).value;
+  }
+
+ private:
+  struct Entry {
+    NameHash name = 0;
+    int scope = 0;
+    int value = -1;
+  };
+  // The entry of the name in the scope, or the empty one where it would go.
+  Entry& Slot(NameHash name, int scope) {
+    const size_t mask = m_entries.size() - 1;
+    const std::uint64_t mixed =
+        (name + static_cast<std::uint64_t>(scope) * 0x9E3779B97F4A7C15ull) * 0xBF58476D1CE4E5B9ull;
+    for (size_t slot = static_cast<size_t>(mixed >> m_shift);; slot = (slot + 1) & mask) {
+      Entry& e = m_entries[slot];
+      if (e.name == 0 || (e.name == name && e.scope == scope)) return e;
+    }
+  }
+  std::vector<Entry> m_entries;
+  int m_shift = 0;
+};
+
 // Finds each procedure's uses of module-level variables. A name qualified by
 // a module's name is that module's variable (public, or of the same module);
 // an unqualified name not declared in the procedure is a variable of its own
@@ -175,18 +214,19 @@ double LineValue(const LineCounts& l, int which) {
 // the number of distinct module-level variables each procedure uses.
 void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variables,
              std::vector<int>& accessed) {
-  std::unordered_map<NameHash, int> modules;
-  std::vector<std::unordered_map<NameHash, int>> own(files.size());
-  std::unordered_map<NameHash, int> global;
+  NameIndex modules(files.size());
+  NameIndex own(variables.size());  // scope: the file
+  NameIndex global(variables.size());
   for (size_t v = 0; v < variables.size(); ++v) {
     const VariableResult& var = variables[v];
     const FileResult& f = files[static_cast<size_t>(var.file)];
     const ModuleVariable& mv = f.count.variables[static_cast<size_t>(var.index)];
     const NameHash h = HashName(mv.name);
-    own[static_cast<size_t>(var.file)].emplace(h, static_cast<int>(v));
-    if (mv.isPublic && f.extension == QLatin1String("bas")) global.emplace(h, static_cast<int>(v));
+    own.Add(h, var.file, static_cast<int>(v));
+    if (mv.isPublic && f.extension == QLatin1String("bas")) global.Add(h, 0, static_cast<int>(v));
   }
-  for (size_t f = 0; f < files.size(); ++f) modules.emplace(HashName(files[f].count.moduleName), f);
+  for (size_t f = 0; f < files.size(); ++f)
+    modules.Add(HashName(files[f].count.moduleName), 0, static_cast<int>(f));
 
   int procIndex = 0;
   // The names each procedure declares, sorted to be searched; one buffer serves every procedure.
@@ -208,27 +248,22 @@ void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variab
         const NameUse& use = files[f].count.uses[u];
         int v = -1;
         if (use.qualifier != 0) {
-          const auto m = modules.find(use.qualifier);
-          if (m == modules.end()) continue;
-          const auto found = own[static_cast<size_t>(m->second)].find(use.name);
-          if (found == own[static_cast<size_t>(m->second)].end()) continue;
-          const VariableResult& var = variables[static_cast<size_t>(found->second)];
-          const bool visible = static_cast<size_t>(m->second) == f ||
+          const int module = modules.Find(use.qualifier, 0);
+          if (module < 0) continue;
+          const int found = own.Find(use.name, module);
+          if (found < 0) continue;
+          const VariableResult& var = variables[static_cast<size_t>(found)];
+          const bool visible = static_cast<size_t>(module) == f ||
                                files[static_cast<size_t>(var.file)]
                                    .count.variables[static_cast<size_t>(var.index)]
                                    .isPublic;
           if (!visible) continue;
-          v = found->second;
+          v = found;
         } else {
           if (isLocal(use.name)) continue;
-          const auto found = own[f].find(use.name);
-          if (found != own[f].end()) {
-            v = found->second;
-          } else {
-            const auto g = global.find(use.name);
-            if (g == global.end()) continue;
-            v = g->second;
-          }
+          v = own.Find(use.name, static_cast<int>(f));
+          if (v < 0) v = global.Find(use.name, 0);
+          if (v < 0) continue;
         }
         VariableResult& var = variables[static_cast<size_t>(v)];
         (use.write ? var.writes : var.reads) += 1;
