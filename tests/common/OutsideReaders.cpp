@@ -151,10 +151,14 @@ int WebArchivePictureCount(const QString& path) {
   return images.isEmpty() ? -1 : static_cast<int>(images.size()) - 1;
 }
 
-QString ArtefactPath(const QString& suite, const QString& name) {
+QString ArtefactFolder(const QString& suite) {
   const QString folder = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/") + suite;
   QDir().mkpath(folder);
-  return folder + QLatin1Char('/') + name;
+  return folder;
+}
+
+QString ArtefactPath(const QString& suite, const QString& name) {
+  return ArtefactFolder(suite) + QLatin1Char('/') + name;
 }
 
 void ChromiumScreenshot(const QString& document, const QString& png, int width, int height) {

@@ -47,6 +47,8 @@ int WebArchivePictureCount(const QString& path);
 // <build>/test-output/<suite>/<name>, its folder made: where tests keep the
 // pictures a person looks at.
 QString ArtefactPath(const QString& suite, const QString& name);
+// <build>/test-output/<suite>, made.
+QString ArtefactFolder(const QString& suite);
 // Renders `document` (HTML or a web archive) in headless Chromium into the
 // PNG `png` of the given size; a test failure when Chromium is missing or
 // writes no picture.

@@ -194,4 +194,21 @@ QvzFixture QvzFixture::SmallestVersion3() {
   return f;
 }
 
+QvzFixture QvzFixture::WithRowNames(float version, int32_t flags, int32_t itemCount,
+                                    const QStringList& names,
+                                    const std::optional<QByteArray>& rowText, int32_t encoding) {
+  QvzFixture f;
+  f.version = version;
+  f.flags = flags;
+  ClassSpec& cls = f.AddClass(1, itemCount);
+  cls.rowNames = names;
+  cls.rowText = rowText;
+  cls.rowEncoding = encoding;
+  // Older files store every value as a double.
+  cls.series.push_back(version >= 3.0f
+                           ? SeriesSpec::Constant(2001, itemCount, 1)
+                           : SeriesSpec::Stored(2001, 0, std::vector<double>(itemCount, 1.0)));
+  return f;
+}
+
 }  // namespace ombrelle::test

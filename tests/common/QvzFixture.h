@@ -99,6 +99,11 @@ class QvzFixture {
   // The smallest valid version 3 file: one class (0) with one metric, no rows
   // and a zero SeriesHeader, 658 bytes.
   static QvzFixture SmallestVersion3();
+  // A file of `version` whose file class (1) has `itemCount` rows named by
+  // `names` (or by the raw block `rowText`) and one series of ones.
+  static QvzFixture WithRowNames(float version, int32_t flags, int32_t itemCount,
+                                 const QStringList& names, const std::optional<QByteArray>& rowText,
+                                 int32_t encoding);
 };
 
 }  // namespace ombrelle::test

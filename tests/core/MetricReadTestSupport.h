@@ -17,6 +17,7 @@
 #include "stats/CStats.h"
 #include "support/DateValue.h"
 #include "support/Filename.h"
+#include "support/ScriptedUiServices.h"
 #include "support/SettingsStore.h"
 
 namespace ombrelle::test {
@@ -47,6 +48,14 @@ inline SaveSpec ProjectSave(const QString& title, const QString& project, double
   return spec;
 }
 
+// A series of `values` in row order, as the writer takes it.
+inline CStats SeriesOf(const std::vector<double>& values) {
+  CStats stats;
+  stats.Init(static_cast<int32_t>(values.size()));
+  for (double v : values) stats.AddValue(v);
+  return stats;
+}
+
 // Writes `spec` to `path` through the writer; false when it failed.
 inline bool WriteSave(const QString& path, const SaveSpec& spec) {
   MetricSave save;
@@ -60,9 +69,7 @@ inline bool WriteSave(const QString& path, const SaveSpec& spec) {
   if (!save.SaveClasses()) return false;
   for (const SaveClass& c : spec.classes) {
     for (const auto& s : c.series) {
-      CStats stats;
-      stats.Init(static_cast<int32_t>(s.second.size()));
-      for (double v : s.second) stats.AddValue(v);
+      CStats stats = SeriesOf(s.second);
       if (!save.SaveSeries(stats)) return false;
     }
   }
@@ -108,6 +115,17 @@ class AccessTest : public ::testing::Test {
   }
 
   QTemporaryDir m_dir;
+};
+
+// A temporary folder for files written by MetricSave, with the writer's
+// remembered folders cleared and the dialogs scripted.
+class SaveFolderTest : public ::testing::Test {
+ protected:
+  void SetUp() override { DeleteSettingsTree(QStringLiteral("Databases")); }
+  QString Path(const QString& name) const { return m_dir.filePath(name); }
+
+  QTemporaryDir m_dir;
+  ScopedScriptedUi m_ui;
 };
 
 }  // namespace ombrelle::test

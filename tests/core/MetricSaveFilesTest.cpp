@@ -21,13 +21,7 @@ namespace ombrelle {
 namespace {
 
 using test::QvzFixture;
-
-CStats Series(const std::vector<double>& values) {
-  CStats s;
-  s.Init(static_cast<int32_t>(values.size()));
-  for (double v : values) s.AddValue(v);
-  return s;
-}
+using test::SeriesOf;
 
 // One class to write: its row count, its names and its series.
 struct ClassPlan {
@@ -84,14 +78,7 @@ std::vector<double> StoredValues(const QByteArray& file, qint64 position) {
   return values;
 }
 
-class MetricSaveFiles : public ::testing::Test {
- protected:
-  void SetUp() override { DeleteSettingsTree(QStringLiteral("Databases")); }
-  QString Path(const QString& name) const { return m_dir.filePath(name); }
-
-  QTemporaryDir m_dir;
-  ScopedScriptedUi m_ui;
-};
+using MetricSaveFiles = test::SaveFolderTest;
 
 TEST_F(MetricSaveFiles, RowNameBlocksSortedWithTheirEncoding) {
   struct Case {
@@ -285,11 +272,11 @@ TEST_F(MetricSaveFiles, SeriesStepOverClassesWithoutMetricsAndStopAtTheLast) {
   save.AddClass(1, 2, {"a", "b"});
   save.AddMetricToClass(2001);
   save.ClassDone();
-  CStats early = Series({1, 2});
+  CStats early = SeriesOf({1, 2});
   EXPECT_FALSE(save.SaveSeries(early)) << "no series before the classes are written";
   ASSERT_TRUE(save.SaveClasses());
   EXPECT_FALSE(save.SaveClasses());
-  CStats s = Series({1, 2});
+  CStats s = SeriesOf({1, 2});
   EXPECT_TRUE(save.SaveSeries(s));
   EXPECT_FALSE(save.SaveSeries(s)) << "every declared series is written";
   ASSERT_TRUE(save.Close());

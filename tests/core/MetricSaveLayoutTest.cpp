@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "common/QvzFixture.h"
+#include "core/MetricReadTestSupport.h"
 #include "core/MetricSave.h"
 #include "core/MetricSaveFields.h"
 #include "core/QVZRead.h"
@@ -24,13 +25,7 @@ using test::AppendDouble;
 using test::AppendInt16;
 using test::AppendInt32;
 using test::QvzFixture;
-
-CStats Series(const std::vector<double>& values) {
-  CStats s;
-  s.Init(static_cast<int32_t>(values.size()));
-  for (double v : values) s.AddValue(v);
-  return s;
-}
+using test::SeriesOf;
 
 QByteArray Hex(const char* hex) { return QByteArray::fromHex(hex); }
 
@@ -46,14 +41,7 @@ QByteArray SeriesHead(int32_t count, double mean, double sd, double min, double 
   return out;
 }
 
-class MetricSaveLayout : public ::testing::Test {
- protected:
-  void SetUp() override { DeleteSettingsTree(QStringLiteral("Databases")); }
-  QString Path(const QString& name) const { return m_dir.filePath(name); }
-
-  QTemporaryDir m_dir;
-  ScopedScriptedUi m_ui;
-};
+using MetricSaveLayout = test::SaveFolderTest;
 
 // Two classes, three value encodings: the whole file byte for byte.
 TEST_F(MetricSaveLayout, SmallFileMatchesHandComputedBytes) {
@@ -71,9 +59,9 @@ TEST_F(MetricSaveLayout, SmallFileMatchesHandComputedBytes) {
     save.AddMetricToClass(1002);  // physical lines, format 2
     save.ClassDone();
     ASSERT_TRUE(save.SaveClasses());
-    CStats lines = Series({10, 300, 7});  // rows beta, Alpha, gamma
-    CStats share = Series({0.5, 0.25, 1.0});
-    CStats total = Series({42});
+    CStats lines = SeriesOf({10, 300, 7});  // rows beta, Alpha, gamma
+    CStats share = SeriesOf({0.5, 0.25, 1.0});
+    CStats total = SeriesOf({42});
     ASSERT_TRUE(save.SaveSeries(lines));
     ASSERT_TRUE(save.SaveSeries(share));
     ASSERT_TRUE(save.SaveSeries(total));
@@ -203,7 +191,7 @@ TEST_F(MetricSaveLayout, ValueKindAndSizeByFormatAndRange) {
     save.AddMetricToClass(c.id);
     save.ClassDone();
     ASSERT_TRUE(save.SaveClasses());
-    CStats s = Series(c.values);
+    CStats s = SeriesOf(c.values);
     ASSERT_TRUE(save.SaveSeries(s));
     ASSERT_TRUE(save.Close());
     const QByteArray file = QvzFixture::ReadBytes(path);

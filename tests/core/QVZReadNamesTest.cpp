@@ -33,18 +33,7 @@ struct NamesCase {
 };
 
 QvzFixture FileWithNames(const NamesCase& c) {
-  QvzFixture f;
-  f.version = c.version;
-  f.flags = c.flags;
-  ClassSpec& cls = f.AddClass(1, c.itemCount);
-  cls.rowNames = c.stored;
-  cls.rowText = c.rowText;
-  cls.rowEncoding = c.encoding;
-  // Older files store every value as a double.
-  cls.series.push_back(c.version >= 3.0f
-                           ? SeriesSpec::Constant(2001, c.itemCount, 1)
-                           : SeriesSpec::Stored(2001, 0, std::vector<double>(c.itemCount, 1.0)));
-  return f;
+  return QvzFixture::WithRowNames(c.version, c.flags, c.itemCount, c.stored, c.rowText, c.encoding);
 }
 
 QStringList NamesOf(QVZRead& reader, int metricClass, std::vector<int32_t>* order = nullptr) {

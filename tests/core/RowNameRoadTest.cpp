@@ -60,16 +60,8 @@ TEST(RowNameRoad, SameNamesAsTheListForEveryBlock) {
       {"older records", 2.0f, 2, {"Grüße.c", "b"}, {}, 2, 0},
   };
   for (const Case& c : cases) {
-    QvzFixture f;
-    f.version = c.version;
-    f.flags = 3;
-    ClassSpec& cls = f.AddClass(1, c.itemCount);
-    cls.rowNames = c.stored;
-    cls.rowText = c.rowText;
-    cls.rowEncoding = c.encoding;
-    cls.series.push_back(c.version >= 3.0f
-                             ? SeriesSpec::Constant(2001, c.itemCount, 1)
-                             : SeriesSpec::Stored(2001, 0, std::vector<double>(c.itemCount, 1.0)));
+    const QvzFixture f =
+        QvzFixture::WithRowNames(c.version, 3, c.itemCount, c.stored, c.rowText, c.encoding);
     QTemporaryDir dir;
     const QString path = f.Write(dir.filePath("db.qvz"));
     QString error;

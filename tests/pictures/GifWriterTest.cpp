@@ -19,11 +19,7 @@
 namespace ombrelle {
 namespace {
 
-QString OutDir() {
-  const QString dir = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/GifWriter");
-  QDir().mkpath(dir);
-  return dir;
-}
+QString OutDir() { return test::ArtefactFolder(QStringLiteral("GifWriter")); }
 
 QByteArray Bytes(std::initializer_list<int> values) {
   QByteArray out;
@@ -342,7 +338,7 @@ TEST(GifWriterTest, DrawnChartRoundTrip) {
   ASSERT_TRUE(GIFSaver().Save(picture, path, result, QString(), std::nullopt));
   ExpectReadersShow(path, ExpectedRgb(picture));
   test::OutsideReaderOutput(QStringLiteral("convert"),
-                         {path, OutDir() + QStringLiteral("/chart-as-read.png")});
+                            {path, OutDir() + QStringLiteral("/chart-as-read.png")});
 }
 
 TEST(GifWriterTest, MustKeepListIsThePaletteWhenItFits) {

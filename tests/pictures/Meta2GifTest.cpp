@@ -19,11 +19,7 @@
 namespace ombrelle {
 namespace {
 
-QString OutDir() {
-  const QString dir = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/Meta2GIF");
-  QDir().mkpath(dir);
-  return dir;
-}
+QString OutDir() { return test::ArtefactFolder(QStringLiteral("Meta2GIF")); }
 
 // A small chart-like recording: coloured boxes, a line and a caption.
 void Draw(Metafile& meta) {
@@ -81,7 +77,7 @@ TEST(Meta2GifTest, OwnSizeKeepsTheRecordingsColoursAndDescription) {
   // The recording is still there for the next use.
   EXPECT_NE(meta.Picture(), nullptr);
   test::OutsideReaderOutput(QStringLiteral("convert"),
-                         {path, OutDir() + QStringLiteral("/own-size.png")});
+                            {path, OutDir() + QStringLiteral("/own-size.png")});
 }
 
 TEST(Meta2GifTest, UnreplaceableFileIsReported) {

@@ -19,11 +19,7 @@ using ombrelle::test::RichPicture;
 
 namespace {
 
-QString OutputDir() {
-  const QString dir = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/MetafileConversions");
-  QDir().mkpath(dir);
-  return dir;
-}
+QString OutputDir() { return test::ArtefactFolder(QStringLiteral("MetafileConversions")); }
 
 QByteArray ReadAll(const QString& path) {
   QFile f(path);

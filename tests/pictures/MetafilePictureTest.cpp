@@ -10,17 +10,14 @@
 #include <QtEndian>
 
 #include "common/MessageAssertions.h"
+#include "common/OutsideReaders.h"
 #include "pictures/Bitmap.h"
 #include "pictures/Metafile.h"
 
 namespace ombrelle {
 namespace {
 
-QString OutputFolder() {
-  const QString folder = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/MetafilePictures");
-  QDir().mkpath(folder);
-  return folder;
-}
+QString OutputFolder() { return test::ArtefactFolder(QStringLiteral("MetafilePictures")); }
 
 // A chart-like page of 150 x 112 mm using every kind of primitive.
 void DrawSample(Metafile& meta) {

@@ -20,11 +20,7 @@ namespace {
 constexpr int kWidth = 567;  // 150 mm at 96 per inch
 constexpr int kHeight = 423;
 
-QString OutputDir() {
-  const QString dir = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/MetafileRendering");
-  QDir().mkpath(dir);
-  return dir;
-}
+QString OutputDir() { return test::ArtefactFolder(QStringLiteral("MetafileRendering")); }
 
 }  // namespace
 

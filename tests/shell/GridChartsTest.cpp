@@ -7,20 +7,8 @@
 namespace ombrelle::test {
 namespace {
 
-int ItemWithPrefix(const ListModel& list, const QString& prefix) {
-  for (int i = 0; i < list.ListCount(); ++i)
-    if (list.List(i).startsWith(prefix)) return i;
-  return -1;
-}
-
 class GridChartsTest : public PageModelTest {
  protected:
-  void OpenAnalysis(int page, const char* analysis) {
-    model->TabClicked(page);
-    const int item = ItemWithPrefix(model->Combo(PageCombo::Analysis), analysis);
-    ASSERT_GE(item, 0) << analysis;
-    model->ChooseComboItem(PageCombo::Analysis, item);
-  }
   int Made() const { return model->Panel().GridChartsMade(); }
 };
 

@@ -46,6 +46,13 @@ class RecordingPageView : public PageView {
   int gridWidth = 0;
 };
 
+// Index of the first item of `list` that starts with `prefix`, -1 when none.
+inline int ItemStartingWith(const ListModel& list, const QString& prefix) {
+  for (int i = 0; i < list.ListCount(); ++i)
+    if (list.List(i).startsWith(prefix)) return i;
+  return -1;
+}
+
 inline QString SampleFolder() { return QStringLiteral(OMBRELLE_BUILD_DIR "/sample"); }
 
 class PageModelTest : public ::testing::Test {
@@ -96,6 +103,14 @@ class PageModelTest : public ::testing::Test {
     for (int i = 1; i <= reader.DatabaseCount(); ++i)
       n += reader.Database(i).Title.startsWith(project) ? 1 : 0;
     return n;
+  }
+
+  // Shows `page` on the first analysis whose name starts with `analysis`.
+  void OpenAnalysis(int page, const QString& analysis) {
+    model->TabClicked(page);
+    const int item = ItemStartingWith(model->Combo(PageCombo::Analysis), analysis);
+    ASSERT_GE(item, 0) << analysis.toStdString();
+    model->ChooseComboItem(PageCombo::Analysis, item);
   }
 
   // Places the grid's cursor on the column of `metric` (not rotated).

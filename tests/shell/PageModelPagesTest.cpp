@@ -9,12 +9,6 @@
 namespace ombrelle::test {
 namespace {
 
-int ItemStartingWith(const ListModel& list, const QString& prefix) {
-  for (int i = 0; i < list.ListCount(); ++i)
-    if (list.List(i).startsWith(prefix)) return i;
-  return -1;
-}
-
 TEST_F(PageModelTest, StartOpensAllAnalysesWithTheDateColumnFixed) {
   const MetricRead& reader = model->Reader();
   EXPECT_EQ(view.tabs, std::vector<int>{0});

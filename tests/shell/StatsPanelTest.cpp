@@ -8,12 +8,6 @@
 namespace ombrelle::test {
 namespace {
 
-int ItemStartingWith(const ListModel& list, const QString& prefix) {
-  for (int i = 0; i < list.ListCount(); ++i)
-    if (list.List(i).startsWith(prefix)) return i;
-  return -1;
-}
-
 // The defined values of a grid column, read cell by cell.
 std::vector<double> ColumnValues(PageModelTest& test, int column) {
   std::vector<double> values;
@@ -114,10 +108,7 @@ TEST_F(PageModelTest, PanelOnItemPageCountsValuesOutsideTheRule) {
 }
 
 TEST_F(PageModelTest, PanelOfABlankSeriesKeepsItsLimits) {
-  model->TabClicked(2);
-  const int harbour = ItemStartingWith(model->Combo(PageCombo::Analysis), "Harbour");
-  ASSERT_GE(harbour, 0);
-  model->ChooseComboItem(PageCombo::Analysis, harbour);
+  OpenAnalysis(2, "Harbour");
   model->ChooseComboItem(PageCombo::ProjectInTimeStyle, 1);
   model->ChooseComboItem(PageCombo::CompareClass, 3);
   // The newest procedure exists in the last analysis only: no differences.

@@ -13,7 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "common/OutsideReaders.h"
-#include "core/MetricSave.h"
+#include "core/MetricReadTestSupport.h"
 #include "grid/GridTestDoubles.h"
 #include "grid/OwnerGridLogic.h"
 #include "limits/MetricLimits.h"
@@ -22,7 +22,6 @@
 #include "shell/PageModel.h"
 #include "shell/StartupState.h"
 #include "shell/TableExport.h"
-#include "stats/CStats.h"
 #include "support/DateValue.h"
 #include "support/ScriptedUiServices.h"
 #include "support/SettingsStore.h"
@@ -33,11 +32,7 @@ namespace {
 constexpr int kProceduresPage = 5;
 constexpr int kVariablesPage = 6;
 
-QString OutputFolder() {
-  const QString folder = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/TableExport");
-  QDir().mkpath(folder);
-  return folder;
-}
+QString OutputFolder() { return test::ArtefactFolder(QStringLiteral("TableExport")); }
 
 QByteArray ReadBytes(const QString& path) {
   QFile file(path);
@@ -75,27 +70,15 @@ class TableExportTest : public ::testing::Test {
   // One project row and three procedures: a separator and "&" in one name,
   // non-ASCII letters in another, brackets in the third.
   static void WriteDatabase(const QString& path) {
-    MetricSave save;
-    ASSERT_TRUE(save.SaveDatabase(path, QStringLiteral("Small"), QStringLiteral("/src/small.vbp"),
-                                  DateSerial(2024, 5, 6)));
-    save.AddClass(ClassProject, 1, {QStringLiteral("Small")});
-    save.AddMetricToClass(1002);
-    save.ClassDone();
-    save.AddClass(ClassProcedure, 3,
-                  {QStringLiteral("Main & Init, start"), QStringLiteral("Gr\u00F6\u00DFe"),
-                   QStringLiteral("zeta[1]")});
-    save.AddMetricToClass(4001);
-    save.AddMetricToClass(4120);
-    save.ClassDone();
-    ASSERT_TRUE(save.SaveClasses());
-    const std::vector<std::vector<double>> values = {{263}, {10, 250, 3}, {1, 12, 2}};
-    for (const auto& column : values) {
-      CStats stats;
-      stats.Init(static_cast<int32_t>(column.size()));
-      for (double v : column) stats.AddValue(v);
-      ASSERT_TRUE(save.SaveSeries(stats));
-    }
-    ASSERT_TRUE(save.Close());
+    ASSERT_TRUE(
+        test::WriteSave(path, {QStringLiteral("Small"),
+                               QStringLiteral("/src/small.vbp"),
+                               DateSerial(2024, 5, 6),
+                               {{ClassProject, {QStringLiteral("Small")}, {{1002, {263}}}},
+                                {ClassProcedure,
+                                 {QStringLiteral("Main & Init, start"),
+                                  QStringLiteral("Gr\u00F6\u00DFe"), QStringLiteral("zeta[1]")},
+                                 {{4001, {10, 250, 3}}, {4120, {1, 12, 2}}}}}}));
   }
 
   QString Export(const QString& name, int kind, bool summary = true) {

@@ -1,5 +1,5 @@
 // The sample set as the viewer sees it: found on a search path, grouped by
-// project, its outliers found by the default limits and its export valid.
+// project and its outliers found by the default limits.
 // (The stored columns read back exactly, so the generator's stories and
 // ranges are checked once, in the generator and database suites.)
 #include <gtest/gtest.h>
@@ -9,9 +9,7 @@
 
 #include <QTemporaryDir>
 
-#include "common/OutsideReaders.h"
 #include "core/MetricRead.h"
-#include "core/QVZ2XML.h"
 #include "limits/MetricLimits.h"
 #include "support/SettingsStore.h"
 
@@ -87,14 +85,4 @@ TEST_F(SampleViews, LatestLargeProjectHasProceduresOutsideTheDefaultLimits) {
   const int outside = limits.CalcOutsideLimits(cc, kProcedureCC);
   EXPECT_GT(outside, 0);
   EXPECT_LT(outside, cc.count() / 5);  // a few outliers, not the bulk
-}
-
-TEST_F(SampleViews, ExportOfTheSmallestSampleIsValidXml) {
-  MetricRead reader;
-  const std::vector<int> saves = SavesOf(reader, QStringLiteral("Billing.vbp"));
-  ASSERT_FALSE(saves.empty());
-  const QString input = reader.GetDatabaseFilename(saves.back());
-  QString output = s_folder->path() + "/billing.xml";
-  ASSERT_TRUE(SaveQVZ2XML(input, output, false));
-  ombrelle::test::ExpectXmllintAccepts(output);
 }

@@ -1,6 +1,7 @@
-// The Chart menu on the sample databases: each entry's picture window, a
-// chart saved in each of the six formats and read back by outside readers,
-// and the small charts beside the grid following the charts option.
+// Chart windows on the sample databases: the regression window, a chart
+// saved at the control's size and as SVG, its popup and zoom, and the
+// small charts beside the grid following the charts option. That every Chart
+// entry opens a picture is the end-to-end walk's part.
 // Screenshots go to <build>/test-output/ChartWindows/.
 #include <memory>
 
@@ -14,11 +15,9 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPointer>
-#include <QPushButton>
 #include <QSvgRenderer>
 #include <QTabBar>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <QToolBar>
 
 #include "common/OutsideReaders.h"
@@ -32,7 +31,6 @@
 #include "shell/StartupState.h"
 #include "shell/ui/frmCorrelation.h"
 #include "shell/ui/frmMetrics.h"
-#include "shell/ui/frmSelectManyMetrics.h"
 #include "support/ScriptedUiServices.h"
 #include "support/SettingsStore.h"
 #include "ui/WindowFixture.h"
@@ -49,17 +47,6 @@ QString Artefact(const QString& name) { return test::ArtefactPath("ChartWindows"
 void SaveScreenshot(QWidget& widget, const QString& name) {
   ProcessEvents();
   EXPECT_TRUE(widget.grab().save(Artefact(name + QStringLiteral(".png"))));
-}
-
-// Answers the metric dialog that opens next: the current metric and the
-// third item of the second combo.
-void AnswerMetricDialogSoon() {
-  QTimer::singleShot(50, [] {
-    auto* dialog = dynamic_cast<frmSelectManyMetrics*>(QApplication::activeModalWidget());
-    ASSERT_NE(dialog, nullptr);
-    dialog->findChild<QComboBox*>(QStringLiteral("cboMetric1"))->setCurrentIndex(2);
-    dialog->findChild<QPushButton*>(QStringLiteral("bOK"))->click();
-  });
 }
 
 class ChartWindows : public WindowTest {
@@ -95,36 +82,8 @@ class ChartWindows : public WindowTest {
   std::unique_ptr<ScopedScriptedUi> m_scripted;
 };
 
-TEST_F(ChartWindows, EveryChartEntryOpensItsPicture) {
-  struct Entry {
-    const char* name;
-    int page;
-    bool dialog;
-  };
-  const Entry entries[] = {
-      {"mChartBar", kProcedures, false},          {"mChartHistogram", kProcedures, false},
-      {"mChartDistribution", kProcedures, false}, {"mChartCompare0", kProcedures, true},
-      {"mChartCompare1", kProcedures, true},      {"mChartPieLimits", kProcedures, false},
-      {"mChartKiviat", kProcedures, false},       {"mChartTime", kProjectInTime, true},
-  };
-  for (const Entry& entry : entries) {
-    SCOPED_TRACE(entry.name);
-    ShowPage(entry.page);
-    if (entry.dialog) AnswerMetricDialogSoon();
-    Trigger(entry.name);
-    MetaForm* form = NewForm();
-    ASSERT_NE(form, nullptr) << m_scripted->ui.MessageTexts().join("|").toStdString();
-    EXPECT_TRUE(form->isVisible());
-    EXPECT_FALSE(form->windowTitle().isEmpty());
-    EXPECT_TRUE(form->View()->GetMetafile());
-    SaveScreenshot(*form, QString::fromLatin1(entry.name));
-    delete form;
-  }
-  EXPECT_TRUE(m_scripted->ui.messages.empty())
-      << m_scripted->ui.MessageTexts().join("|").toStdString();
-
-  // The XY entry opens the regression window on the current column.
-  ShowPage(kProcedures);
+// The XY entry opens the regression window on the current column.
+TEST_F(ChartWindows, XYEntryOpensTheRegressionWindow) {
   Trigger("mChartScatter");
   auto* regression = m_window->findChild<frmCorrelation*>();
   ASSERT_NE(regression, nullptr);
@@ -146,7 +105,7 @@ TEST_F(ChartWindows, EveryChartEntryOpensItsPicture) {
   EXPECT_TRUE(m_scripted->ui.messages.empty());
 }
 
-TEST_F(ChartWindows, SavesAChartInEachFormat) {
+TEST_F(ChartWindows, SavesAtTheControlsSizeAndAsSvg) {
   Trigger("mChartHistogram");
   MetaForm* form = NewForm();
   ASSERT_NE(form, nullptr);
@@ -156,24 +115,13 @@ TEST_F(ChartWindows, SavesAChartInEachFormat) {
   MetaView& view = *form->View();
   const QSize size = view.contentsRect().size();
   ScriptedUiServices& ui = m_scripted->ui;
-  const char* names[] = {"saved-wmf", "saved-emf", "saved-bmp",
-                         "saved-gif", "saved-png", "saved-svg"};
-  for (int filter = 1; filter <= 6; ++filter) {
-    const QString file = Artefact(QString::fromLatin1(names[filter - 1]));
-    ui.fileAnswers.push_back(file);
-    ui.filterAnswers.push_back(filter);
-    ASSERT_TRUE(view.Save()) << filter;
-  }
+  // Bitmaps take the control's size and SVG is the window library's; each
+  // format's bytes and readers are the picture model's tests.
+  ui.fileAnswers = {Artefact("saved-png.png"), Artefact("saved-svg.svg")};
+  ui.filterAnswers = {5, 6};
+  ASSERT_TRUE(view.Save());
+  ASSERT_TRUE(view.Save());
   EXPECT_TRUE(ui.messages.empty()) << ui.MessageTexts().join("|").toStdString();
-  test::ExpectWmf2SvgAccepts(Artefact("saved-wmf.wmf"), Artefact("saved-wmf.svg"));
-  test::ExpectEmf2SvgAccepts(Artefact("saved-emf.emf"), Artefact("saved-emf.svg"));
-  EXPECT_EQ(test::DecodeWithBmptopnm(Artefact("saved-bmp.bmp")).size(), size);
-  EXPECT_EQ(test::Gif2RgbPixels(Artefact("saved-gif.gif")).size(),
-            size.width() * size.height() * 3);
-  EXPECT_TRUE(
-      test::GiftextReport(Artefact("saved-gif.gif"))
-          .contains(
-              QStringLiteral("Width = %1, Height = %2").arg(size.width()).arg(size.height())));
   EXPECT_EQ(test::DecodeWithImageMagick(Artefact("saved-png.png")).size(), size);
   test::ExpectXmllintAccepts(Artefact("saved-svg.svg"));
   // The SVG drawn again, to look at.

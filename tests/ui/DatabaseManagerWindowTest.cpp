@@ -20,6 +20,7 @@
 #include <QTimer>
 #include <QTreeWidget>
 
+#include "common/OutsideReaders.h"
 #include "core/MetricRead.h"
 #include "core/QVZRead.h"
 #include "core/ui/frmMetricDatabases.h"
@@ -37,11 +38,7 @@ namespace {
 
 const char* kInnerFlag = "OMBRELLE_UNDER_XVFB";
 
-QString OutputFolder() {
-  const QString folder = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/DatabaseManager");
-  QDir().mkpath(folder);
-  return folder;
-}
+QString OutputFolder() { return test::ArtefactFolder(QStringLiteral("DatabaseManager")); }
 
 void Shot(QWidget& widget, const QString& name) {
   EXPECT_TRUE(widget.grab().save(OutputFolder() + u'/' + name + QStringLiteral(".png")));

@@ -99,11 +99,7 @@ bool OpensDocument(const QString& entry) {
          entry == QStringLiteral("mHelpContents");
 }
 
-QString ArtefactFolder() {
-  const QString folder = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/EndToEnd");
-  QDir().mkpath(folder);
-  return folder;
-}
+QString ArtefactFolder() { return test::ArtefactFolder(QStringLiteral("EndToEnd")); }
 
 QString WorkPath(const QString& name) {
   return test::SandboxRoot() + QStringLiteral("/work/") + name;

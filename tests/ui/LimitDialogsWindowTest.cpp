@@ -23,6 +23,7 @@
 #include <QTimer>
 #include <QTreeWidget>
 
+#include "common/OutsideReaders.h"
 #include "grid/OwnerGridLogic.h"
 #include "grid/ui/OwnerGrid.h"
 #include "limits/MetricLimits.h"
@@ -40,11 +41,7 @@ constexpr int kProcedures = 5;
 constexpr MetricId kCC = 4120;
 constexpr quint32 kRed = 255;
 
-QString OutputFolder() {
-  const QString folder = QStringLiteral(OMBRELLE_BUILD_DIR "/test-output/LimitDialogs");
-  QDir().mkpath(folder);
-  return folder;
-}
+QString OutputFolder() { return test::ArtefactFolder(QStringLiteral("LimitDialogs")); }
 
 void Shoot(QWidget& widget, const QString& name) {
   ProcessEvents();

@@ -118,13 +118,6 @@ TEST_F(OwnerGridWidget, CursorRedCellAndSortMarkArePainted) {
   EXPECT_EQ(Pixel(image, 103, 2), ColourFromValue(logic.HighlightBackColor()).rgb());
 }
 
-TEST_F(OwnerGridWidget, CursorMoveRepaintsOnlyTheTwoCells) {
-  grid.Logic().PlaceCursor(6, 2);
-  QApplication::processEvents();
-  const std::set<std::pair<int, int>> asked(owner.asked.begin(), owner.asked.end());
-  EXPECT_EQ(asked, (std::set<std::pair<int, int>>{{5, 2}, {6, 2}}));
-}
-
 TEST_F(OwnerGridWidget, KeysWheelAndScrollBarsReachTheLogic) {
   OwnerGridLogic& logic = grid.Logic();
   QKeyEvent down(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier);
