@@ -2,7 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <limits>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace ombrelle {
 
@@ -110,12 +115,46 @@ QStringView FirstWord(QStringView line, qsizetype* after = nullptr) {
 
 }  // namespace
 
-BasicLexer::BasicLexer(const QString& text, const std::vector<PhysicalLine>& lines)
-    : m_text(text), m_lines(lines) {
-  if (!lines.empty()) {
-    const QStringView first = QStringView(text).mid(lines[0].begin, lines[0].length);
+BasicLexer::BasicLexer(const QString& text) : m_text(text) {
+  m_hasLine = ReadLine();
+  if (m_hasLine) {
+    const QStringView first = QStringView(text).mid(m_current.begin, m_current.length);
     if (Same(FirstWord(first), "version")) m_headerDepth = 0;
   }
+}
+
+bool BasicLexer::ReadLine() {
+  const auto* p = reinterpret_cast<const char16_t*>(m_text.constData());
+  const qsizetype size = m_text.size();
+  const qsizetype start = m_nextLine;
+  if (start >= size) return false;  // a last line without an end was read already
+  qsizetype at = start;
+#ifdef __SSE2__
+  // Sixteen characters at a time: the two halves' comparisons packed into
+  // one mask with a bit for each character.
+  const __m128i cr = _mm_set1_epi16('\r');
+  const __m128i lf = _mm_set1_epi16('\n');
+  auto ends = [&](qsizetype from) {
+    const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + from));
+    return _mm_or_si128(_mm_cmpeq_epi16(chunk, cr), _mm_cmpeq_epi16(chunk, lf));
+  };
+  for (; at + 16 <= size; at += 16) {
+    const auto mask =
+        static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(ends(at), ends(at + 8))));
+    if (mask != 0) {
+      at += std::countr_zero(mask);
+      break;
+    }
+  }
+#endif
+  while (at < size && p[at] != u'\n' && p[at] != u'\r') ++at;
+  m_current = {start, at - start};
+  ++m_physicalLines;
+  if (at >= size)
+    m_nextLine = size;
+  else
+    m_nextLine = at + (p[at] == u'\r' && at + 1 < size && p[at + 1] == u'\n' ? 2 : 1);
+  return true;
 }
 
 bool BasicLexer::Is(const Token& t, QStringView word) const {
@@ -127,7 +166,7 @@ bool BasicLexer::Next(LogicalLine& out) {
   out.tokens.clear();
   out.statements.clear();
   out.directive = out.hasComment = out.meaningfulComment = false;
-  if (m_line >= m_lines.size()) {
+  if (!m_hasLine) {
     if (m_headerDepth > 0) {
       m_problems << QStringLiteral("the designer header is not closed");
       m_headerDepth = -1;
@@ -143,6 +182,7 @@ bool BasicLexer::Next(LogicalLine& out) {
   if (MayBeHidden() && HiddenLine(out)) {
     out.kind = LineKind::Hidden;
     ++m_line;
+    m_hasLine = ReadLine();
     return true;
   }
   ScanCode(out);
@@ -153,7 +193,7 @@ inline bool BasicLexer::MayBeHidden() {
   if (m_headerDepth >= 0) return true;
   // Past the designer's header only Attribute lines are hidden: most lines
   // are told apart by their first character, here, without a call.
-  const PhysicalLine& pl = m_lines[m_line];
+  const PhysicalLine& pl = m_current;
   const QChar* p = m_text.constData() + pl.begin;
   const qsizetype i = SkipBlanks(p, 0, pl.length);
   m_codeStart = pl.begin + i;  // ScanCode starts there
@@ -164,7 +204,7 @@ inline bool BasicLexer::MayBeHidden() {
 
 bool BasicLexer::HiddenLine(LogicalLine& out) {
   (void)out;
-  const PhysicalLine& pl = m_lines[m_line];
+  const PhysicalLine& pl = m_current;
   const QStringView line(m_text.constData() + pl.begin, pl.length);
   qsizetype after = 0;
   const QStringView word = FirstWord(line, &after);
@@ -220,8 +260,8 @@ __attribute__((flatten)) void BasicLexer::ScanCode(LogicalLine& out) {
   qsizetype lineStart = 0, pos = 0, end = 0, lastNonBlank = 0;
   auto enterLine = [&](size_t l) {
     line = l;
-    lineStart = pos = m_lines[l].begin;
-    end = lineStart + m_lines[l].length;
+    lineStart = pos = m_current.begin;
+    end = lineStart + m_current.length;
     lastNonBlank = end - 1;
     while (lastNonBlank >= lineStart && IsBlank(p[lastNonBlank].unicode())) --lastNonBlank;
   };
@@ -230,7 +270,7 @@ __attribute__((flatten)) void BasicLexer::ScanCode(LogicalLine& out) {
     return at == lastNonBlank && p[at] == u'_' && (at == lineStart || IsBlank(p[at - 1].unicode()));
   };
   auto nextLine = [&]() {
-    if (line + 1 >= m_lines.size()) return false;
+    if (!ReadLine()) return false;
     enterLine(line + 1);
     ++out.lineCount;
     return true;
@@ -252,7 +292,8 @@ __attribute__((flatten)) void BasicLexer::ScanCode(LogicalLine& out) {
   // positions out of registers.
   auto push = [&](TokenKind kind, qsizetype from, qsizetype to) __attribute__((always_inline)) {
     const qsizetype length = std::min<qsizetype>(to - from, std::numeric_limits<int>::max());
-    out.tokens.push_back({kind, Keyword::None, static_cast<int>(length), from, 0});
+    const char16_t punct = kind == TokenKind::Punct && length == 1 ? p[from].unicode() : 0;
+    out.tokens.push_back({kind, Keyword::None, punct, static_cast<int>(length), from, 0});
   };
 
   enterLine(m_line);
@@ -409,6 +450,7 @@ __attribute__((flatten)) void BasicLexer::ScanCode(LogicalLine& out) {
   EndStatement(out, statementBegin);
   out.kind = hasCode ? LineKind::Code : (out.hasComment ? LineKind::Comment : LineKind::Blank);
   m_line = line + 1;
+  m_hasLine = ReadLine();
 }
 
 }  // namespace ombrelle

@@ -24,6 +24,7 @@ enum class TokenKind : std::uint8_t { Word, Number, String, Date, Punct };
 struct Token {
   TokenKind kind = TokenKind::Punct;
   Keyword keyword = Keyword::None;  // the keyword a word spells
+  char16_t punct = 0;               // of a one-character Punct: that character
   int length = 0;
   qsizetype begin = 0;
   NameHash hash = 0;  // of a word: HashName of its text
@@ -49,7 +50,9 @@ struct LogicalLine {
 
 class BasicLexer {
  public:
-  BasicLexer(const QString& text, const std::vector<PhysicalLine>& lines);
+  // Lines end at CR LF, LF or a lone CR, as SplitPhysicalLines() finds them;
+  // the lexer finds each end when it comes to the line.
+  explicit BasicLexer(const QString& text);
 
   // The next logical line into `out`; false at the end of the text.
   bool Next(LogicalLine& out);
@@ -61,6 +64,8 @@ class BasicLexer {
   const QString& ModuleName() const { return m_moduleName; }
   // Names given to controls in the designer's header (`Begin Library.Kind Name`).
   const QStringList& ControlNames() const { return m_controls; }
+  // The physical lines read so far: all of them once Next() returned false.
+  int PhysicalLines() const { return m_physicalLines; }
   // Problems met: unterminated strings, an unterminated designer header.
   const QStringList& Problems() const { return m_problems; }
 
@@ -69,9 +74,14 @@ class BasicLexer {
   bool HiddenLine(LogicalLine& out);
   void ScanCode(LogicalLine& out);
   void EndStatement(LogicalLine& out, int& statementBegin);
+  // The physical line after the current one into m_current; false at the end.
+  bool ReadLine();
 
   const QString& m_text;
-  const std::vector<PhysicalLine>& m_lines;
+  PhysicalLine m_current;    // the physical line numbered m_line
+  bool m_hasLine = false;    // false past the last line
+  qsizetype m_nextLine = 0;  // where the line after m_current starts
+  int m_physicalLines = 0;
   size_t m_line = 0;
   int m_headerDepth = -1;  // -1: no designer header (any more); else Begin depth
   bool m_headerOpened = false;

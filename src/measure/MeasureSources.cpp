@@ -4,7 +4,9 @@
 #include "measure/SourceText.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <unordered_map>
 #include <unordered_set>
@@ -14,6 +16,8 @@ namespace ombrelle {
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+// Up to this many names a procedure declares are searched without sorting.
+constexpr size_t kLinearLocals = 16;
 
 // The metrics stored for each class, ascending; the help page "measuring.html"
 // gives the counting rule of each.
@@ -54,6 +58,41 @@ bool IsClassFile(const QString& extension) {
          extension == QLatin1String("ctl") || extension == QLatin1String("dsr");
 }
 
+// Names compared as their lower-case forms (QString::toLower), without
+// making those forms when the names are ASCII, as nearly all are.
+bool IsAsciiText(QStringView s) {
+  for (const QChar c : s)
+    if (c.unicode() >= 0x80) return false;
+  return true;
+}
+
+char16_t LowerAscii(char16_t c) {
+  return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
+}
+
+struct LowerCaseHash {
+  size_t operator()(const QString& s) const {
+    if (!IsAsciiText(s)) return Hash(s.toLower());
+    return Hash(s);
+  }
+  // FNV-1a over the characters in lower case (ASCII ones folded here).
+  static size_t Hash(QStringView s) {
+    std::uint64_t h = 14695981039346656037ull;
+    for (const QChar c : s) h = (h ^ LowerAscii(c.unicode())) * 1099511628211ull;
+    return static_cast<size_t>(h);
+  }
+};
+
+struct LowerCaseEqual {
+  bool operator()(const QString& a, const QString& b) const {
+    if (!IsAsciiText(a) || !IsAsciiText(b)) return a.toLower() == b.toLower();
+    if (a.size() != b.size()) return false;
+    for (qsizetype i = 0; i < a.size(); ++i)
+      if (LowerAscii(a[i].unicode()) != LowerAscii(b[i].unicode())) return false;
+    return true;
+  }
+};
+
 // Row names made unique: a name already given (ignoring case) gets the first
 // free number from 2 on. Each name remembers where its numbers went on, so
 // that many equal names take linear time.
@@ -61,12 +100,11 @@ class UniqueNames {
  public:
   explicit UniqueNames(size_t expected = 0) { m_used.reserve(expected); }
   QString Make(const QString& name) {
-    const QString lower = name.toLower();
-    if (m_used.insert(lower).second) return name;
-    int& next = m_next[lower];
+    if (m_used.insert(name).second) return name;
+    int& next = m_next[name];
     for (next = std::max(next, 2);; ++next) {
       const QString candidate = name + QString::number(next);
-      if (m_used.insert(candidate.toLower()).second) {
+      if (m_used.insert(candidate).second) {
         ++next;
         return candidate;
       }
@@ -74,22 +112,30 @@ class UniqueNames {
   }
 
  private:
-  std::unordered_set<QString> m_used;
-  std::unordered_map<QString, int> m_next;
+  std::unordered_set<QString, LowerCaseHash, LowerCaseEqual> m_used;
+  std::unordered_map<QString, int, LowerCaseHash, LowerCaseEqual> m_next;
 };
 
 QString ProcedureRowName(const QString& module, const ProcedureCount& p) {
-  QString name = module + QLatin1Char('.') + p.name;
+  QLatin1StringView kind;
   switch (p.kind) {
     case ProcedureKind::PropertyGet:
-      return name + QStringLiteral(" (Get)");
+      kind = QLatin1StringView(" (Get)");
+      break;
     case ProcedureKind::PropertyLet:
-      return name + QStringLiteral(" (Let)");
+      kind = QLatin1StringView(" (Let)");
+      break;
     case ProcedureKind::PropertySet:
-      return name + QStringLiteral(" (Set)");
+      kind = QLatin1StringView(" (Set)");
+      break;
     default:
-      return name;
+      break;
   }
+  // Made in one piece: one allocation for the whole name.
+  QString name;
+  name.reserve(module.size() + 1 + p.name.size() + kind.size());
+  name.append(module).append(QLatin1Char('.')).append(p.name).append(kind);
+  return name;
 }
 
 MeasuredClass MakeClass(MetricClass classNr, const std::vector<MetricId>& ids, int rows) {
@@ -122,58 +168,102 @@ double LineValue(const LineCounts& l, int which) {
   }
 }
 
+// Numbers by a name's hash within a scope (a file, or 0 for one scope only),
+// in an open-addressing table at most half full; the first number added for
+// a name stays. Names never hash to 0, which marks an empty slot.
+class NameIndex {
+ public:
+  explicit NameIndex(size_t expected) {
+    const size_t slots = std::bit_ceil(std::max<size_t>(16, expected * 2));
+    m_shift = 64 - std::countr_zero(slots);
+    m_entries.resize(slots);
+  }
+  void Add(NameHash name, int scope, int value) {
+    Entry& e = Slot(name, scope);
+    if (e.name == 0) e = {name, scope, value};
+  }
+  // The number added for the name in the scope, or -1.
+  int Find(NameHash name, int scope) const {
+    return const_cast<NameIndex*>(this)->Slot(name, scope).value;
+  }
+
+ private:
+  struct Entry {
+    NameHash name = 0;
+    int scope = 0;
+    int value = -1;
+  };
+  // The entry of the name in the scope, or the empty one where it would go.
+  Entry& Slot(NameHash name, int scope) {
+    const size_t mask = m_entries.size() - 1;
+    const std::uint64_t mixed =
+        (name + static_cast<std::uint64_t>(scope) * 0x9E3779B97F4A7C15ull) * 0xBF58476D1CE4E5B9ull;
+    for (size_t slot = static_cast<size_t>(mixed >> m_shift);; slot = (slot + 1) & mask) {
+      Entry& e = m_entries[slot];
+      if (e.name == 0 || (e.name == name && e.scope == scope)) return e;
+    }
+  }
+  std::vector<Entry> m_entries;
+  int m_shift = 0;
+};
+
 // Finds each procedure's uses of module-level variables. A name qualified by
 // a module's name is that module's variable (public, or of the same module);
 // an unqualified name not declared in the procedure is a variable of its own
-// module, else a public variable of a standard module.
+// module, else a public variable of a standard module. `accessed` receives
+// the number of distinct module-level variables each procedure uses.
 void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variables,
-             std::vector<std::vector<int>>& accessed) {
-  std::unordered_map<NameHash, int> modules;
-  std::vector<std::unordered_map<NameHash, int>> own(files.size());
-  std::unordered_map<NameHash, int> global;
+             std::vector<int>& accessed) {
+  NameIndex modules(files.size());
+  NameIndex own(variables.size());  // scope: the file
+  NameIndex global(variables.size());
   for (size_t v = 0; v < variables.size(); ++v) {
     const VariableResult& var = variables[v];
     const FileResult& f = files[static_cast<size_t>(var.file)];
     const ModuleVariable& mv = f.count.variables[static_cast<size_t>(var.index)];
     const NameHash h = HashName(mv.name);
-    own[static_cast<size_t>(var.file)].emplace(h, static_cast<int>(v));
-    if (mv.isPublic && f.extension == QLatin1String("bas")) global.emplace(h, static_cast<int>(v));
+    own.Add(h, var.file, static_cast<int>(v));
+    if (mv.isPublic && f.extension == QLatin1String("bas")) global.Add(h, 0, static_cast<int>(v));
   }
-  for (size_t f = 0; f < files.size(); ++f) modules.emplace(HashName(files[f].count.moduleName), f);
+  for (size_t f = 0; f < files.size(); ++f)
+    modules.Add(HashName(files[f].count.moduleName), 0, static_cast<int>(f));
 
   int procIndex = 0;
   // The names each procedure declares, sorted to be searched; one buffer serves every procedure.
   std::vector<NameHash> locals;
   for (size_t f = 0; f < files.size(); ++f) {
     for (ProcedureCount& p : files[f].count.procedures) {
-      std::vector<int>& seen = accessed[static_cast<size_t>(procIndex)];
-      locals.assign(p.localNames.begin(), p.localNames.end());
-      std::sort(locals.begin(), locals.end());
+      int& seen = accessed[static_cast<size_t>(procIndex)];
+      // A few names are looked through one by one; many are sorted first.
+      const bool sorted = p.localNames.size() > kLinearLocals;
+      if (sorted) {
+        locals.assign(p.localNames.begin(), p.localNames.end());
+        std::sort(locals.begin(), locals.end());
+      }
+      auto isLocal = [&](NameHash name) {
+        if (sorted) return std::binary_search(locals.begin(), locals.end(), name);
+        return std::find(p.localNames.begin(), p.localNames.end(), name) != p.localNames.end();
+      };
       for (size_t u = p.firstUse; u < p.endUse; ++u) {
         const NameUse& use = files[f].count.uses[u];
         int v = -1;
         if (use.qualifier != 0) {
-          const auto m = modules.find(use.qualifier);
-          if (m == modules.end()) continue;
-          const auto found = own[static_cast<size_t>(m->second)].find(use.name);
-          if (found == own[static_cast<size_t>(m->second)].end()) continue;
-          const VariableResult& var = variables[static_cast<size_t>(found->second)];
-          const bool visible = static_cast<size_t>(m->second) == f ||
+          const int module = modules.Find(use.qualifier, 0);
+          if (module < 0) continue;
+          const int found = own.Find(use.name, module);
+          if (found < 0) continue;
+          const VariableResult& var = variables[static_cast<size_t>(found)];
+          const bool visible = static_cast<size_t>(module) == f ||
                                files[static_cast<size_t>(var.file)]
                                    .count.variables[static_cast<size_t>(var.index)]
                                    .isPublic;
           if (!visible) continue;
-          v = found->second;
+          v = found;
         } else {
-          if (std::binary_search(locals.begin(), locals.end(), use.name)) continue;
-          const auto found = own[f].find(use.name);
-          if (found != own[f].end()) {
-            v = found->second;
-          } else {
-            const auto g = global.find(use.name);
-            if (g == global.end()) continue;
-            v = g->second;
-          }
+          if (isLocal(use.name)) continue;
+          v = own.Find(use.name, static_cast<int>(f));
+          if (v < 0) v = global.Find(use.name, 0);
+          if (v < 0) continue;
         }
         VariableResult& var = variables[static_cast<size_t>(v)];
         (use.write ? var.writes : var.reads) += 1;
@@ -183,7 +273,7 @@ void Resolve(std::vector<FileResult>& files, std::vector<VariableResult>& variab
         }
         if (var.lastProcedure != procIndex) {
           var.lastProcedure = procIndex;
-          seen.push_back(v);
+          ++seen;
         }
       }
       ++procIndex;
@@ -222,6 +312,27 @@ void AddDates(const std::vector<FileResult>& files, MeasuredProject& out) {
   }
 }
 
+// The number of distinct values among `hashes`, by an open-addressing table
+// at most half full (names never hash to 0, which marks an empty slot).
+size_t CountDistinct(const std::vector<NameHash>& hashes) {
+  const size_t slots = std::bit_ceil(std::max<size_t>(16, hashes.size() * 2));
+  const int shift = 64 - std::countr_zero(slots);
+  std::vector<NameHash> table(slots, 0);
+  size_t distinct = 0;
+  for (const NameHash h : hashes) {
+    for (size_t slot = static_cast<size_t>((h * 0x9E3779B97F4A7C15ull) >> shift);;
+         slot = (slot + 1) & (slots - 1)) {
+      if (table[slot] == h) break;
+      if (table[slot] == 0) {
+        table[slot] = h;
+        ++distinct;
+        break;
+      }
+    }
+  }
+  return distinct;
+}
+
 // Lengths of one set of names.
 struct NameLengths {
   double characters = 0;
@@ -242,7 +353,7 @@ struct NameLengths {
 // (1244). Event handlers and implementing procedures keep neither their names
 // in 1243 nor their parameters in 1241; each property name counts once. Names
 // differing only in letter case are the same name: the hashes of all names
-// are gathered, and sorted once at the end to count the distinct ones.
+// are gathered, and the distinct ones counted once at the end.
 std::vector<double> NameMetrics(const std::vector<FileResult>& files) {
   NameLengths variables, constants, procedures, all;
   std::vector<NameHash> hashes;
@@ -275,9 +386,7 @@ std::vector<double> NameMetrics(const std::vector<FileResult>& files) {
   all.Add(variables);
   all.Add(constants);
   all.Add(procedures);
-  std::sort(hashes.begin(), hashes.end());
-  const auto distinct =
-      static_cast<double>(std::unique(hashes.begin(), hashes.end()) - hashes.begin());
+  const auto distinct = static_cast<double>(CountDistinct(hashes));
   return {all.Average(), variables.Average(), constants.Average(), procedures.Average(),
           all.count > 0 ? distinct / all.count : kNaN};
 }
@@ -287,9 +396,8 @@ std::vector<double> NameMetrics(const std::vector<FileResult>& files) {
 MeasuredProject MeasureSources(const QString& projectName, const std::vector<SourceFile>& files) {
   MeasuredProject out;
   std::vector<FileResult> results;
-  // One text and one list of lines serve every file in turn.
+  // One text serves every file in turn.
   QString text;
-  std::vector<PhysicalLine> lines;
   for (const SourceFile& file : files) {
     if (LooksBinary(file.bytes)) {
       out.warnings << QStringLiteral("%1: binary content, not measured").arg(file.name);
@@ -303,8 +411,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
     r.bytes = static_cast<double>(file.bytes.size());
     r.date = file.date;
     DecodeSource(file.bytes, text);
-    SplitPhysicalLines(text, lines);
-    r.count = CountModule(text, lines, dot < 0 ? leaf : leaf.left(dot));
+    r.count = CountModule(text, dot < 0 ? leaf : leaf.left(dot));
     if (!r.count.problems.isEmpty())
       out.warnings << QStringLiteral("%1: %2").arg(file.name,
                                                    r.count.problems.join(QStringLiteral("; ")));
@@ -322,7 +429,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
       variables.push_back({static_cast<int>(f), static_cast<int>(v)});
     procedureCount += static_cast<int>(results[f].count.procedures.size());
   }
-  std::vector<std::vector<int>> accessed(static_cast<size_t>(procedureCount));
+  std::vector<int> accessed(static_cast<size_t>(procedureCount), 0);
   Resolve(results, variables, accessed);
 
   // Project.
@@ -455,7 +562,7 @@ MeasuredProject MeasureSources(const QString& projectName, const std::vector<Sou
             LineValue(l, 5),
             LineValue(l, 6),
             LineValue(l, 7),
-            code ? static_cast<double>(accessed[static_cast<size_t>(row)].size()) : kNaN,
+            code ? static_cast<double>(accessed[static_cast<size_t>(row)]) : kNaN,
             code ? cc : kNaN,
             code ? cc + p.booleanOperators : kNaN,
             code ? cc - p.cases + p.selects : kNaN,

@@ -28,15 +28,14 @@ constexpr int kMaxSingleLineNesting = 64;
 
 class Counter {
  public:
-  Counter(const QString& text, const std::vector<PhysicalLine>& lines)
-      : m_text(text), m_lexer(text, lines), m_physical(static_cast<int>(lines.size())) {}
+  explicit Counter(const QString& text) : m_lexer(text) {}
 
   ModuleCount Run(const QString& baseName) {
-    m_result.lines.physical = m_physical;
     while (m_lexer.Next(m_line)) Line();
+    m_result.lines.physical = m_lexer.PhysicalLines();
     if (m_proc >= 0) {
       m_result.problems << QStringLiteral("%1 has no end").arg(m_result.procedures[m_proc].name);
-      Close(m_physical - 1);
+      Close(m_result.lines.physical - 1);
     }
     if (m_block != Block::None)
       m_result.problems << QStringLiteral("a Type or Enum block has no end");
@@ -55,11 +54,7 @@ class Counter {
   // --- tokens of the current line
   // The lexer numbered the keywords: a keyword is told by its number.
   bool IsWord(int i, Keyword k) const { return Valid(i) && m_tokens[i].keyword == k; }
-  bool IsPunct(int i, char16_t c) const {
-    if (!Valid(i)) return false;
-    const Token& t = m_tokens[i];
-    return t.kind == TokenKind::Punct && t.length == 1 && m_text.constData()[t.begin] == c;
-  }
+  bool IsPunct(int i, char16_t c) const { return Valid(i) && m_tokens[i].punct == c; }
   bool IsAnyWord(int i) const { return Valid(i) && m_tokens[i].kind == TokenKind::Word; }
   // `i` is a token of the line (the comparison as unsigned also refuses -1).
   bool Valid(int i) const { return static_cast<unsigned>(i) < m_tokenCount; }
@@ -170,14 +165,19 @@ class Counter {
     const Keyword kb = m_line.tokens[static_cast<size_t>(b)].keyword;
     int i = b;
     bool isPrivate = false, isPublic = false;
-    while (i < e && (IsWord(i, Keyword::Public) || IsWord(i, Keyword::Private) ||
-                     IsWord(i, Keyword::Friend) || IsWord(i, Keyword::Global) ||
-                     IsWord(i, Keyword::Static))) {
-      isPrivate |= IsWord(i, Keyword::Private);
-      isPublic |= IsWord(i, Keyword::Public) || IsWord(i, Keyword::Global);
-      ++i;
+    for (; i < e; ++i) {
+      const Keyword k = m_tokens[i].keyword;
+      if (k != Keyword::Public && k != Keyword::Private && k != Keyword::Friend &&
+          k != Keyword::Global && k != Keyword::Static)
+        break;
+      isPrivate |= k == Keyword::Private;
+      isPublic |= k == Keyword::Public || k == Keyword::Global;
     }
-    if (m_block == Block::None && Header(i, e, isPrivate)) return;
+    // Only these words can begin a procedure's header.
+    const Keyword ki = Valid(i) ? m_tokens[i].keyword : Keyword::None;
+    const bool mayBeHeader = ki == Keyword::Declare || ki == Keyword::Sub ||
+                             ki == Keyword::Function || ki == Keyword::Property;
+    if (mayBeHeader && m_block == Block::None && Header(i, e, isPrivate)) return;
     if ((kb == Keyword::End) && (IsWord(b + 1, Keyword::Sub) || IsWord(b + 1, Keyword::Function) ||
                                  IsWord(b + 1, Keyword::Property))) {
       const int proc = m_proc;
@@ -474,9 +474,7 @@ class Counter {
     m_result.procedures[static_cast<size_t>(m_proc)].endUse = uses.size();
   }
 
-  const QString& m_text;
   BasicLexer m_lexer;
-  int m_physical = 0;
   LogicalLine m_line;
   // The line's tokens, kept at hand: they are looked at again and again.
   const Token* m_tokens = nullptr;
@@ -495,12 +493,7 @@ class Counter {
 }  // namespace
 
 ModuleCount CountModule(const QString& text, const QString& baseName) {
-  return CountModule(text, SplitPhysicalLines(text), baseName);
-}
-
-ModuleCount CountModule(const QString& text, const std::vector<PhysicalLine>& lines,
-                        const QString& baseName) {
-  Counter counter(text, lines);
+  Counter counter(text);
   return counter.Run(baseName);
 }
 

@@ -90,8 +90,5 @@ struct ModuleCount {
 
 // Counts one file's text. `baseName` names the module when the file does not.
 ModuleCount CountModule(const QString& text, const QString& baseName);
-// The same, given the text's physical lines (SplitPhysicalLines).
-ModuleCount CountModule(const QString& text, const std::vector<PhysicalLine>& lines,
-                        const QString& baseName);
 
 }  // namespace ombrelle
