@@ -84,7 +84,6 @@ class BasicLexer {
   int m_physicalLines = 0;
   size_t m_line = 0;
   int m_headerDepth = -1;  // -1: no designer header (any more); else Begin depth
-  bool m_headerOpened = false;
   QString m_moduleName;
   QStringList m_controls;
   QStringList m_problems;
